@@ -1,0 +1,114 @@
+// kolibrino-cli: the log tools without the windows, for scripts and checks.
+//
+//   kolibrino-cli rebuild FILE                       rebuilt file text, raw bytes
+//   kolibrino-cli dupe FILE CALL BAND MODE TIME      "DUPE" or "OK", then the district
+//   kolibrino-cli tallies FILE                       the rebuilt counters
+//
+// Exit status 0 on success, 1 when the log cannot be loaded, 2 on wrong use.
+#include "app/console_dialogs.h"
+#include "core/call_index.h"
+#include "core/clock.h"
+#include "core/cp1252.h"
+#include "core/log_file.h"
+#include "core/paths.h"
+#include "core/tallies.h"
+#include "core/vb_text.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <cstdio>
+
+using namespace kolibrino;
+
+namespace {
+
+int Usage() {
+    std::fputs("Aufruf:\n"
+               "  kolibrino-cli rebuild DATEI\n"
+               "  kolibrino-cli dupe DATEI RUFZEICHEN BAND MODE ZEIT\n"
+               "  kolibrino-cli tallies DATEI\n",
+               stderr);
+    return 2;
+}
+
+void Out(const QString& text) {
+    const QByteArray b = text.toLocal8Bit();
+    std::fwrite(b.constData(), 1, size_t(b.size()), stdout);
+}
+
+QString Row(const std::array<int, 3>& r) {
+    return QStringLiteral("%1 %2 %3").arg(r[0]).arg(r[1]).arg(r[2]);
+}
+
+QString TalliesText(const Model& m) {
+    QString s;
+    s += QStringLiteral("QsoCount %1\n").arg(m.QsoCount);
+    s += QStringLiteral("DupeCount %1\n").arg(m.DupeCount);
+    s += QStringLiteral("# Zähler je Band: 40m 80m 30m\n");
+    const char* modes[2] = {"SSB", "CW"};
+    for (int i = 0; i < 2; ++i) s += QStringLiteral("ModeBandCount %1 %2\n").arg(QLatin1String(modes[i]), Row(m.ModeBandCount[i]));
+    const char* periods[4] = {"SSB-Vormittag", "SSB-Nachmittag", "CW-Vormittag", "CW-Nachmittag"};
+    for (int i = 0; i < 4; ++i)
+        s += QStringLiteral("PeriodBandCount %1 %2\n").arg(QLatin1String(periods[i]), Row(m.PeriodBandCount[i]));
+    for (int g = 0; g < 9; ++g) s += QStringLiteral("GruppeBandCount %1 %2\n").arg(g + 1).arg(Row(m.GruppeBandCount[g]));
+    for (const StaatsfunkRecord& st : m.StaatsfunkRecords)
+        s += QStringLiteral("Staatsfunk %1 %2 %3\n").arg(st.Prefix).arg(st.Anz80).arg(st.Anz30);
+    for (size_t i = 1; i < m.BezirkRecords.size(); ++i) {
+        const BezirkRecord& b = m.BezirkRecords[i];
+        if (b.AnzGesamt == 0) continue;
+        s += QStringLiteral("Bezirk %1 %2 %3 %4 %5\n").arg(b.Code).arg(b.AnzGesamt).arg(b.Anz40).arg(b.Anz80).arg(b.Anz30);
+    }
+    return s;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments().mid(1);
+    if (args.size() < 2) return Usage();
+    const QString command = args[0];
+
+    Model m;
+    m.SetLocale(QLocale::system());
+    m.Header = DefaultHeader(m);
+    ConsoleDialogs dialogs;
+    IniStartup(m, QCoreApplication::applicationDirPath());
+    SetupFolders(m);
+    CopyShippedData(m);
+
+    const QFileInfo file(args[1]);
+    m.LogFolder = file.absolutePath() + QLatin1Char('/');
+    m.CurrentLogName = file.fileName();
+
+    if (command == QLatin1String("rebuild") && args.size() == 2) {
+        if (!LoadLog(m, dialogs, file.absoluteFilePath())) return 1;
+        SystemTimeSource clock;
+        const QByteArray bytes = ToCp1252(BuildLogText(m, false, clock));
+        std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+        return 0;
+    }
+    if (command == QLatin1String("dupe") && args.size() == 6) {
+        LoadBezirkTable(m, dialogs);
+        if (!LoadLog(m, dialogs, file.absoluteFilePath())) return 1;
+        const QString call = args[2].trimmed().toUpper();
+        const int band = ToInt16(LeadingNumber(args[3]));
+        const auto time = m.Formats.ParseTime(args[5]);
+        if (!time) {
+            std::fputs("Zeit Ungültige\n", stderr);
+            return 2;
+        }
+        const DupeVerdict v = CallExistTest(m, call, band, args[4].trimmed().toUpper(), *time);
+        Out(QStringLiteral("%1 %2\n").arg(v.isDupe ? QStringLiteral("DUPE") : QStringLiteral("OK"), v.bezirk).trimmed() + QLatin1Char('\n'));
+        if (v.isDupe) Out(DupeWarningText(m, *v.dupeTime) + QLatin1Char('\n'));
+        return 0;
+    }
+    if (command == QLatin1String("tallies") && args.size() == 2) {
+        LoadBezirkTable(m, dialogs);
+        if (!LoadLog(m, dialogs, file.absoluteFilePath())) return 1;
+        RebuildTallies(m);
+        Out(TalliesText(m));
+        return 0;
+    }
+    return Usage();
+}

@@ -1,0 +1,22 @@
+// Whole-file replacement that a crash can never leave half written.
+//
+// WriteFileAtomic() writes the bytes to a temporary file in the same folder, flushes
+// and fsyncs it, renames it over the target and fsyncs the folder. Readers see either
+// the old file or the new one, never a mix.
+//
+// Any thread, one writer per target at a time. Returns the empty text on success,
+// else a German description of what failed; the old file is then untouched.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace kolibrino {
+
+QString WriteFileAtomic(const QString& path, const QByteArray& bytes);
+// Reads a whole file; nullopt-like: ok=false and the error text when it cannot.
+QByteArray ReadWholeFile(const QString& path, bool* ok = nullptr, QString* error = nullptr);
+bool FileExists(const QString& path);
+bool FolderExists(const QString& path);
+
+} // namespace kolibrino

@@ -1,0 +1,78 @@
+#include "core/paths.h"
+
+#include "core/atomic_file.h"
+#include "core/settings.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QtGlobal>
+
+namespace kolibrino {
+namespace {
+
+QString WithSlash(const QString& path) {
+    return path.endsWith(QLatin1Char('/')) ? path : path + QLatin1Char('/');
+}
+
+bool EnsureFolder(const QString& path, QString* error) {
+    if (FolderExists(path)) return true;
+    if (QDir().mkpath(path)) return true;
+    if (error && error->isEmpty()) *error = QStringLiteral("Ordner kann nicht angelegt werden: %1").arg(path);
+    return false;
+}
+
+} // namespace
+
+void IniStartup(Model& m, const QString& appFolder) {
+    m.AppFolder = WithSlash(appFolder);
+    m.IniPath = m.AppFolder + QLatin1String(kIniFileName);
+}
+
+bool SetupFolders(Model& m, QString* error) {
+    QString base = qEnvironmentVariable("KOLIBRINO_HOME");
+    if (base.isEmpty()) {
+        QString xdg = qEnvironmentVariable("XDG_DATA_HOME");
+        if (xdg.isEmpty()) xdg = QDir::homePath() + QStringLiteral("/.local/share");
+        base = WithSlash(xdg) + QStringLiteral("kolibrino");
+    }
+    m.DataFolder = WithSlash(QDir::cleanPath(QDir(base).absolutePath()));
+    bool ok = EnsureFolder(m.DataFolder, error);
+    m.IniPath = m.DataFolder + QLatin1String(kIniFileName);
+    SetDefaultIniPath(m.IniPath);
+    m.LogFolder = m.DataFolder + QStringLiteral("Logs/");
+    m.BackupFolder = m.DataFolder + QStringLiteral("Sicherung/");
+    m.TmpFolder = m.DataFolder + QStringLiteral("Tmp/");
+    ok = EnsureFolder(m.LogFolder, error) && ok;
+    ok = EnsureFolder(m.BackupFolder, error) && ok;
+    ok = EnsureFolder(m.TmpFolder, error) && ok;
+    return ok;
+}
+
+QString ShippedDataFolder(const Model& m) {
+    QStringList candidates = {m.AppFolder + QStringLiteral("data/"), m.AppFolder + QStringLiteral("../share/kolibrino/")};
+#ifdef KOLIBRINO_SOURCE_DATA_DIR
+    candidates << WithSlash(QStringLiteral(KOLIBRINO_SOURCE_DATA_DIR));
+#endif
+    for (const QString& c : candidates)
+        if (FileExists(c + QStringLiteral("bez_koord.txt"))) return WithSlash(QDir::cleanPath(c));
+    return {};
+}
+
+QStringList CopyShippedData(const Model& m) {
+    QStringList copied;
+    const QString from = ShippedDataFolder(m);
+    if (from.isEmpty() || m.DataFolder.isEmpty()) return copied;
+    const QStringList names = QDir(from).entryList(QDir::Files);
+    for (const QString& name : names) {
+        if (name.compare(QStringLiteral("README.md"), Qt::CaseInsensitive) == 0) continue;
+        const QString target = m.DataFolder + name;
+        if (QFileInfo::exists(target)) continue;
+        bool ok = false;
+        const QByteArray bytes = ReadWholeFile(from + name, &ok);
+        if (ok && WriteFileAtomic(target, bytes).isEmpty()) copied << name;
+    }
+    return copied;
+}
+
+} // namespace kolibrino

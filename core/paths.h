@@ -1,0 +1,30 @@
+// Where Kolibrino keeps its files.
+//
+// DataFolder is $KOLIBRINO_HOME when set, else $XDG_DATA_HOME/kolibrino/ (by default
+// ~/.local/share/kolibrino/), with Logs/, Sicherung/ and Tmp/ below it. On first start
+// the files the program ships (district table, map, manual) are copied there when
+// missing; files already there are never overwritten.
+//
+// Window thread, at start. Returns false with a German description when a folder
+// cannot be created; the model's paths are set either way.
+#pragma once
+
+#include "core/log_model.h"
+
+namespace kolibrino {
+
+inline const char* const kIniFileName = "kolibrino.INI";
+inline const char* const kLogExtension = ".KOLBO";
+
+// AppFolder: the executable's folder with a trailing "/".
+void IniStartup(Model& m, const QString& appFolder);
+// DataFolder, IniPath and the three folders below; creates what is missing.
+bool SetupFolders(Model& m, QString* error = nullptr);
+// Copies the shipped data files into DataFolder when missing there. Returns the
+// names copied.
+QStringList CopyShippedData(const Model& m);
+// Where the shipped data lie: beside the executable ("data/"), installed
+// ("../share/kolibrino/") or the source tree of a developer build.
+QString ShippedDataFolder(const Model& m);
+
+} // namespace kolibrino

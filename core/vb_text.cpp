@@ -1,0 +1,94 @@
+#include "core/vb_text.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace kolibrino {
+namespace {
+
+struct Scan {
+    double value = 0;
+    qsizetype end = 0; // characters used, 0 when nothing numeric
+};
+
+// Sign, digits, one decimal point ("." or ","), digits, optional exponent.
+Scan ScanNumber(QStringView t, qsizetype i) {
+    const qsizetype n = t.size();
+    QByteArray buf;
+    const qsizetype start = i;
+    if (i < n && (t[i] == u'+' || t[i] == u'-')) buf.append(char(t[i++].unicode()));
+    bool digits = false;
+    while (i < n && t[i].isDigit() && t[i].unicode() < 128) { buf.append(char(t[i++].unicode())); digits = true; }
+    if (i < n && (t[i] == u'.' || t[i] == u',')) {
+        qsizetype j = i + 1;
+        QByteArray frac;
+        while (j < n && t[j].isDigit() && t[j].unicode() < 128) frac.append(char(t[j++].unicode()));
+        if (digits || !frac.isEmpty()) {
+            buf.append('.');
+            buf.append(frac);
+            digits = true;
+            i = j;
+        }
+    }
+    if (!digits) return {0, 0};
+    if (i < n && (t[i] == u'e' || t[i] == u'E' || t[i] == u'd' || t[i] == u'D')) {
+        qsizetype j = i + 1;
+        QByteArray ex("e");
+        if (j < n && (t[j] == u'+' || t[j] == u'-')) ex.append(char(t[j++].unicode()));
+        bool expDigits = false;
+        while (j < n && t[j].isDigit() && t[j].unicode() < 128) { ex.append(char(t[j++].unicode())); expDigits = true; }
+        if (expDigits) { buf.append(ex); i = j; }
+    }
+    double v = 0;
+    const auto res = std::from_chars(buf.constData() + (buf.startsWith('+') ? 1 : 0), buf.constData() + buf.size(), v);
+    if (res.ec == std::errc::result_out_of_range) v = buf.startsWith('-') ? -HUGE_VAL : HUGE_VAL;
+    return {v, i > start ? i : 0};
+}
+
+} // namespace
+
+double LeadingNumber(QStringView text) {
+    qsizetype i = 0;
+    while (i < text.size() && (text[i] == u' ' || text[i] == u'\t')) ++i;
+    const Scan s = ScanNumber(text, i);
+    return s.end ? s.value : 0.0;
+}
+
+std::optional<double> NumericValue(QStringView text) {
+    const QStringView t = text.trimmed();
+    if (t.isEmpty()) return std::nullopt;
+    const Scan s = ScanNumber(t, 0);
+    if (s.end == 0 || s.end != t.size()) return std::nullopt;
+    return s.value;
+}
+
+bool IsNumericText(QStringView text) {
+    return NumericValue(text).has_value();
+}
+
+int ToInt16(double value) {
+    if (std::isnan(value)) return 0;
+    const double r = std::nearbyint(value);
+    if (r > std::numeric_limits<qint16>::max()) return std::numeric_limits<qint16>::max();
+    if (r < std::numeric_limits<qint16>::min()) return std::numeric_limits<qint16>::min();
+    return static_cast<int>(r);
+}
+
+QString FloatText(float value) {
+    if (!std::isfinite(value)) return QStringLiteral("0");
+    char buf[64];
+    const auto res = std::to_chars(buf, buf + sizeof buf, value, std::chars_format::fixed);
+    QString s = QString::fromLatin1(buf, res.ptr - buf);
+    if (s == QLatin1String("-0")) s = QStringLiteral("0");
+    return s;
+}
+
+QString TrimBlanks(const QString& text) {
+    qsizetype b = 0, e = text.size();
+    while (b < e && text[b] == u' ') ++b;
+    while (e > b && text[e - 1] == u' ') --e;
+    return (b == 0 && e == text.size()) ? text : text.mid(b, e - b);
+}
+
+} // namespace kolibrino
