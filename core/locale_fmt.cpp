@@ -32,20 +32,20 @@ QString LocaleFormats::ShortDate(const QDate& d) const { return locale_.toString
 QString LocaleFormats::ShortTime(const QTime& t) const { return locale_.toString(t, shortTimeFmt_); }
 QString LocaleFormats::LongTime(const QTime& t) const { return locale_.toString(t, longTimeFmt_); }
 
+namespace {
+
+QString TwoDigits(int v) {
+    return QStringLiteral("%1").arg(v, 2, 10, QLatin1Char('0'));
+}
+
+} // namespace
+
 QString LocaleFormats::RecordDate(const QDate& d) const {
-    return QStringLiteral("%1%4%2%4%3")
-        .arg(d.day(), 2, 10, QLatin1Char('0'))
-        .arg(d.month(), 2, 10, QLatin1Char('0'))
-        .arg(d.year(), 4, 10, QLatin1Char('0'))
-        .arg(dateSep_);
+    return TwoDigits(d.day()) + dateSep_ + TwoDigits(d.month()) + dateSep_ + QStringLiteral("%1").arg(d.year(), 4, 10, QLatin1Char('0'));
 }
 
 QString LocaleFormats::RecordTime(const QTime& t) const {
-    return QStringLiteral("%1%4%2%4%3")
-        .arg(t.hour(), 2, 10, QLatin1Char('0'))
-        .arg(t.minute(), 2, 10, QLatin1Char('0'))
-        .arg(t.second(), 2, 10, QLatin1Char('0'))
-        .arg(timeSep_);
+    return TwoDigits(t.hour()) + timeSep_ + TwoDigits(t.minute()) + timeSep_ + TwoDigits(t.second());
 }
 
 namespace {

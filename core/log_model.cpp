@@ -44,7 +44,7 @@ void Model::SetLocale(const QLocale& locale) {
 
 LogHeader DefaultHeader(const Model& m) {
     LogHeader h;
-    h.MYEXAMDAT = QStringLiteral("00%1" "00%1" "2000").arg(m.DateSeparator);
+    h.MYEXAMDAT = QStringLiteral("00") + m.DateSeparator + QStringLiteral("00") + m.DateSeparator + QStringLiteral("2000");
     return h;
 }
 

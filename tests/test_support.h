@@ -1,0 +1,75 @@
+// Shared helpers of the test suite: a pinned locale, a private data folder per test,
+// fixtures and byte comparisons.
+#pragma once
+
+#include "core/cp1252.h"
+#include "core/log_model.h"
+#include "core/paths.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+#include <QString>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <memory>
+
+namespace kolibrino::test {
+
+inline QLocale AustrianLocale() {
+    return QLocale(QLocale::German, QLocale::Austria);
+}
+
+inline void PinLocale() {
+    QLocale::setDefault(AustrianLocale());
+}
+
+inline QString FixturePath(const QString& name) {
+    return QStringLiteral(KOLIBRINO_FIXTURES "/") + name;
+}
+
+inline QByteArray ReadBytes(const QString& path) {
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly)) return {};
+    return f.readAll();
+}
+
+inline void WriteBytes(const QString& path, const QByteArray& bytes) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    QVERIFY2(f.open(QIODevice::WriteOnly | QIODevice::Truncate), qPrintable(path));
+    f.write(bytes);
+}
+
+// Text written as the program writes files: code page 1252.
+inline QByteArray Cp(const QString& text) {
+    return ToCp1252(text);
+}
+
+// A private DataFolder (KOLIBRINO_HOME) and a model whose folders lie in it.
+class Home {
+public:
+    Home() {
+        qputenv("KOLIBRINO_HOME", dir.path().toLocal8Bit());
+        model.SetLocale(AustrianLocale());
+        model.Header = DefaultHeader(model);
+        IniStartup(model, QStringLiteral(KOLIBRINO_BINARY_DIR));
+        SetupFolders(model);
+    }
+    QString Path(const QString& rel) const { return dir.path() + QLatin1Char('/') + rel; }
+    // Copies the shipped district table into the data folder.
+    void InstallDistricts() {
+        QFile::copy(QStringLiteral(KOLIBRINO_SOURCE_DIR "/data/bez_koord.txt"), model.DataFolder + QStringLiteral("bez_koord.txt"));
+    }
+
+    QTemporaryDir dir;
+    Model model;
+};
+
+// A district table small enough to reason about: Wien (1), Mödling (3), Graz (6).
+inline QByteArray SmallDistrictTable() {
+    return Cp(QStringLiteral("WI;500;200;Wien;1;\r\nMD;480;230;M\u00f6dling;3;\r\nGZ;420;420;Graz;6;\r\n"
+                             "ZZ;10;10;Testbezirk;9;\r\n"));
+}
+
+} // namespace kolibrino::test
