@@ -1,10 +1,12 @@
 // Kolibrino: start-up. Builds the folders, lays out the shipped data, then hands over
-// to the main window.
+// to the main window, whose Load decides whether the program runs at all.
+#include "core/clock.h"
 #include "core/log_model.h"
 #include "core/paths.h"
+#include "entry/main_window.h"
+#include "ui/qt_dialogs.h"
 
 #include <QApplication>
-#include <QMainWindow>
 
 using namespace kolibrino;
 
@@ -17,9 +19,10 @@ int main(int argc, char** argv) {
     SetupFolders(model);
     CopyShippedData(model);
 
-    QMainWindow window;
-    window.setWindowTitle(ProgramTitle());
-    window.resize(900, 600);
-    window.show();
+    QtDialogs dialogs;
+    SystemTimeSource clock;
+    HauptForm window(model, dialogs, clock);
+    dialogs.SetParent(&window);
+    if (!window.Load()) return 0;
     return app.exec();
 }

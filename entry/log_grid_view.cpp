@@ -1,0 +1,77 @@
+#include "entry/log_grid_view.h"
+
+#include "entry/log_grid_model.h"
+#include "ui/window_support.h"
+
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QScrollBar>
+
+namespace kolibrino {
+namespace {
+
+// Typical widest contents of the visible columns, so that no cell is cut off when the
+// grid's font is larger than the design font.
+const char* const kSampleText[kGridFirstHidden] = {"00.00.0000", "00:00", "80m", "Mode", "OE9XYZ/P",
+                                                     "RSTs", "RSTe", "BZ", "QSL", "", "OE0ABC", "Dupe"};
+
+} // namespace
+
+LogGridView::LogGridView(QWidget* parent) : QTableView(parent) {
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setAlternatingRowColors(true);
+    setWordWrap(false);
+    setSortingEnabled(false);
+    verticalHeader()->setVisible(false);
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setStretchLastSection(false);
+    horizontalHeader()->setSectionsClickable(false);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+}
+
+void LogGridView::SetGrid1() {
+    const QFontMetrics fm(font());
+    const QFontMetrics hm(horizontalHeader()->font());
+    for (int c = 0; c < kGridColumns; ++c) {
+        if (c >= kGridFirstHidden) {
+            setColumnHidden(c, true);
+            continue;
+        }
+        setColumnHidden(c, false);
+        const int design = TwipsToPixels(LogGridModel::WidthTwips(c));
+        const int heading = hm.horizontalAdvance(LogGridModel::Heading(c)) + 16;
+        const int sample = fm.horizontalAdvance(QString::fromLatin1(kSampleText[c])) + 12;
+        setColumnWidth(c, std::max({design, heading, sample}));
+    }
+    if (model() && model()->rowCount() > 0) setCurrentIndex(model()->index(0, 0));
+}
+
+int LogGridView::VisibleRows() const {
+    const int rowHeight = verticalHeader()->defaultSectionSize();
+    return rowHeight > 0 ? viewport()->height() / rowHeight : 0;
+}
+
+void LogGridView::KeepLastRowInView() {
+    if (!model() || model()->rowCount() == 0) return;
+    scrollToBottom();
+}
+
+void LogGridView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::RightButton) {
+        QTableView::mousePressEvent(event);
+        return;
+    }
+    if (!model() || model()->rowCount() == 0) return;
+    const int row = rowAt(event->position().toPoint().y());
+    if (row < 0) return;
+    setFocus(Qt::MouseFocusReason);
+    setCurrentIndex(model()->index(row, 0));
+    selectRow(row);
+    emit popupRequested(row, event->globalPosition().toPoint());
+}
+
+} // namespace kolibrino

@@ -1,0 +1,193 @@
+// HauptForm, the main window: the menus, the entry area, the log grid, the timers,
+// and the program's start (Load) and end (Unload).
+//
+// The application makes one HauptForm over its one Model and calls Load(); tests make
+// their own over their own Model, ScriptedDialogs and FixedTimeSource. The window reads
+// its controls and calls the logic (entry/qso_entry.h, entry/log_grid_model.h) for
+// every change of the model; it decides no contest rule itself.
+//
+// GUI thread only. Load() returns false when there is no log to open (the window is
+// then closed and the program should end). File errors are shown through the
+// "FEHLER" trap of the Dialogs given; nothing throws.
+#pragma once
+
+#include "core/clock.h"
+#include "core/dialogs.h"
+#include "core/log_model.h"
+#include "entry/log_grid_model.h"
+#include "entry/qso_entry.h"
+#include "ui/window_support.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
+#include <QUrl>
+#include <array>
+#include <functional>
+#include <optional>
+
+class QAction;
+class QActionGroup;
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QPushButton;
+class QWidget;
+
+namespace kolibrino {
+
+class LogGridView;
+
+class HauptForm : public QMainWindow {
+    Q_OBJECT
+public:
+    HauptForm(Model& m, Dialogs& dialogs, const TimeSource& clock, QWidget* parent = nullptr);
+    ~HauptForm() override;
+
+    // Start-up in its fixed order; false when the program ends here.
+    bool Load();
+    // Picks the log to open into CurrentLogName. The log chooser window plugs in
+    // through logChooser; without it the log named by $KOLIBRINO_LOG or by the
+    // setting Pathe/LastLogFile is taken when it exists in LogFolder.
+    void ChooseLog();
+
+    // Logs the contact in the entry fields (Enter in an entry field).
+    void Uebernehmen();
+    // Clears the entry fields for the next contact.
+    void ResetEntry();
+    // Refills the grid from the records and rebuilds every counter.
+    void DatenInGrid1Neu();
+    // Column widths, hidden columns and alignment of the grid.
+    void SetGrid1();
+    // One of the sort orders of the pop-up (GridSort numbers).
+    void Sortieren(int sortMode);
+
+    // Menu commands of this window.
+    void MnBeneden();
+    void MnSicherungenOpen();
+    void MnHilfePDF();
+    void MnContestregeln();
+    void MnEingesendeteLogsAnzeigen();
+    void MnLastLogOpen();
+    void MnFensterPostOrg();
+    void ZpmClick(int index);
+    void MnDateTimeLock();
+    void MnZeitDatumLock();
+    void MnCallVorgabe();
+    void MnEingabe();
+    void MnCountdown();
+
+    // Timer ticks: date and time fields, dupe blinking, delayed backup.
+    void Timer1Tick();
+    void Timer2Tick();
+    void Timer3Tick();
+    QTimer& Timer1() { return timer1_; }
+    QTimer& Timer2() { return timer2_; }
+    QTimer& Timer3() { return timer3_; }
+    QTimer& Timer4() { return timer4_; }
+
+    LogGridModel& Grid() { return grid_; }
+    LogGridView* GridView() const { return gridView_; }
+    QMenu* PopupMenu() const { return mnVersteckt_; }
+    // A menu entry by its object name ("MnBeneden", "zpm12", ...); null when unknown.
+    QAction* Action(const QString& objectName) const;
+    // Whether the last contact reached the file.
+    bool FileUpToDate() const { return fileUpToDate_; }
+
+    // Window members.
+    bool ShiftDown = false;
+    bool OfferedPeriod1 = false;
+    bool OfferedPeriod2 = false;
+    QString OeCallListText;
+
+    // Hooks for the windows of other parts of the program and for tests.
+    std::function<void()> logChooser;                  // the log chooser window
+    std::function<void()> logEinsenden;                // submission of the log
+    std::function<bool(const QUrl&)> openUrl;          // the desktop's shell (browser, files)
+    std::function<void(Companion)> companionOpener;    // shows a companion window modeless
+    std::function<void(const QString&)> bzKarteFuellen; // district map: colour a district
+    std::function<void(const QString&, int, const QString&)> gridKarteCellColor; // multiplier table
+    std::function<std::optional<float>(int)> frequenzOf;                         // frequency window
+    // A companion window hands itself over when it is built, so that it can be
+    // hidden, shown, moved and closed with the main window.
+    void RegisterCompanion(Companion id, QWidget* window);
+
+    // Design place and size of the main window, in pixels.
+    static QRect DesignGeometry();
+
+signals:
+    void bearbeitenRequested(int row);
+    void loeschenRequested(int row);
+    void statistikRefreshRequested();
+    void trackerRefreshRequested();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void BuildMenus();
+    QAction* AddItem(QMenu* menu, const QString& objectName, const QString& caption, bool enabled);
+    void AddSeparator(QMenu* menu, const QString& objectName);
+    void ConnectClick(QAction* action, void (HauptForm::*click)());
+    void BuildEntryArea(QWidget* host);
+    void BuildGrid(QWidget* host);
+    void Unload();
+    EntryFields ReadEntryFields() const;
+    void FocusField(EntryFocus field);
+    void SetReports(int modeIndex);
+    void ApplyDateTimeLock(bool locked);
+    bool OpenInShell(const QUrl& url);
+    QWidget* CompanionWindow(Companion id) const;
+    void GridRowChanged(int row);
+    void GridPopup(int row, const QPoint& globalPos);
+    void RememberPopupRow(int row) { popupRow_ = row; }
+
+    Model& m_;
+    Dialogs& dialogs_;
+    const TimeSource& clock_;
+    LogGridModel grid_;
+    LogGridView* gridView_ = nullptr;
+    bool fileUpToDate_ = true;
+    bool unloaded_ = false;
+    int popupRow_ = -1;
+    std::array<QPointer<QWidget>, kCompanionCount> companions_;
+
+    QTimer timer1_;
+    QTimer timer2_;
+    QTimer timer3_;
+    QTimer timer4_;
+
+    // Entry area.
+    QWidget* picture3_ = nullptr;
+    QWidget* picture4_ = nullptr;
+    QLineEdit* text1_ = nullptr;
+    QLineEdit* text2_ = nullptr;
+    QLineEdit* text3_ = nullptr;
+    QLineEdit* text4_ = nullptr;
+    QLineEdit* text5_ = nullptr;
+    QLineEdit* text8_ = nullptr;
+    QComboBox* combo1_ = nullptr;
+    QComboBox* combo2_ = nullptr;
+    QComboBox* combo5_ = nullptr;
+    QComboBox* combo6_ = nullptr;
+    QCheckBox* check1_ = nullptr;
+    QLabel* label10_ = nullptr;
+    QLabel* label12_ = nullptr;
+    QLabel* label13_ = nullptr;
+    QGroupBox* frame1_ = nullptr;
+    QPushButton* dupCommand1_ = nullptr;
+
+    // Menus.
+    QMenu* mnVersteckt_ = nullptr;
+    QActionGroup* zpmGroup_ = nullptr;
+    std::array<QAction*, 25> zpm_{};
+    QAction* mnZeitTimer_ = nullptr;
+};
+
+} // namespace kolibrino
