@@ -1,5 +1,6 @@
 #include "core/call_index.h"
 
+#include <charconv>
 #include <cmath>
 
 namespace kolibrino {
@@ -29,9 +30,11 @@ CallIndexEntry ParseIndexEntry(const QString& callIndex, qsizetype position) {
 }
 
 void AppendIndexEntry(QString& callIndex, const QString& call, qsizetype arrayIndex) {
+    char digits[24];
+    const auto res = std::to_chars(digits, digits + sizeof digits, arrayIndex);
     callIndex += call;
     callIndex += kTimes;
-    callIndex += QString::number(arrayIndex);
+    callIndex += QLatin1StringView(digits, res.ptr - digits);
     callIndex += kPilcrow;
 }
 

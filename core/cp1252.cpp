@@ -33,19 +33,23 @@ QString FromCp1252(const QByteArray& bytes) {
 }
 
 QByteArray ToCp1252(const QString& text) {
-    QByteArray out;
-    out.reserve(text.size());
-    const QChar* p = text.constData();
     const qsizetype n = text.size();
+    QByteArray out(n, Qt::Uninitialized);
+    char* dst = out.data();
+    const char16_t* p = reinterpret_cast<const char16_t*>(text.constData());
+    qsizetype w = 0;
     for (qsizetype i = 0; i < n; ++i) {
-        const char16_t c = p[i].unicode();
-        if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(p[i + 1].unicode())) {
-            out.append('?');
+        const char16_t c = p[i];
+        if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) {
+            dst[w++] = char(c);
+        } else if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(p[i + 1])) {
+            dst[w++] = '?';
             ++i;
-            continue;
+        } else {
+            dst[w++] = EncodeOne(c);
         }
-        out.append(EncodeOne(c));
     }
+    out.truncate(w);
     return out;
 }
 

@@ -83,26 +83,58 @@ bool ReadTag(const QString& text, const TagDef& def, LogHeader& h) {
     return true;
 }
 
-// Shares equal texts between records: most fields repeat from line to line.
+// Shares equal texts between records: most fields repeat from line to line, so a few
+// recent values per field spare an allocation for nearly every one.
 class Interner {
 public:
     QString Get(QStringView v) {
-        if (v == last_) return last_;
-        last_ = v.toString();
-        return last_;
+        for (const QString& s : recent_)
+            if (v == s) return s;
+        QString s = v.toString();
+        recent_[next_] = s;
+        next_ = (next_ + 1) % kSlots;
+        return s;
     }
 
 private:
-    QString last_;
+    static constexpr int kSlots = 4;
+    QString recent_[kSlots];
+    int next_ = 0;
 };
+
+// Next CR LF at or behind from, -1 when none.
+qsizetype FindLineEnd(QStringView block, qsizetype from) {
+    for (;;) {
+        const qsizetype cr = block.indexOf(u'\r', from);
+        if (cr < 0 || cr + 1 >= block.size()) return -1;
+        if (block[cr + 1] == u'\n') return cr;
+        from = cr + 1;
+    }
+}
+
+// A small whole number as most numeric fields hold it; anything else the lenient way.
+double FieldNumber(QStringView v) {
+    if (!v.isEmpty() && v.size() <= 6) {
+        qsizetype i = (v[0] == u'-') ? 1 : 0;
+        int n = 0;
+        bool plain = i < v.size();
+        for (; i < v.size() && plain; ++i) {
+            const char16_t c = v[i].unicode();
+            plain = c >= u'0' && c <= u'9';
+            n = n * 10 + (c - u'0');
+        }
+        if (plain) return v[0] == u'-' ? -n : n;
+    }
+    return LeadingNumber(v);
+}
 
 void ParseContacts(Model& m, QStringView block) {
     Interner fields[19];
     qsizetype pos = 0;
-    const QStringView crlf = u"\r\n";
     QStringView pieces[20];
+    m.CallIndex.reserve(block.size() / 4);
     do {
-        const qsizetype e = block.indexOf(crlf, pos);
+        const qsizetype e = FindLineEnd(block, pos);
         if (e < 0 || e - pos <= 15) break; // a short line ends the contacts
         const QStringView line = block.mid(pos, e - pos);
         int count = 0;
@@ -115,18 +147,18 @@ void ParseContacts(Model& m, QStringView block) {
             start = s + 1;
         }
         if (count >= 16) {
-            QsoRecord r;
+            QsoRecord& r = m.LogRecords.emplace_back();
             r.Call = pieces[0].toString();
-            r.Band = ToInt16(LeadingNumber(pieces[1]));
+            r.Band = ToInt16(FieldNumber(pieces[1]));
             r.Bezirk = Fixed2(fields[2].Get(pieces[2]));
             r.Datum = fields[3].Get(pieces[3]);
             r.Zeit = pieces[4].toString();
             r.RstGesendet = fields[5].Get(pieces[5]);
             r.RstEmpfangen = fields[6].Get(pieces[6]);
-            r.Qsl = ToInt16(LeadingNumber(pieces[7]));
+            r.Qsl = ToInt16(FieldNumber(pieces[7]));
             r.Mode = fields[8].Get(pieces[8]);
             r.ModeRx = fields[9].Get(pieces[9]);
-            r.Status = ToInt16(LeadingNumber(pieces[10]));
+            r.Status = ToInt16(FieldNumber(pieces[10]));
             r.Operator = fields[11].Get(pieces[11]);
             r.Bemerkung = fields[12].Get(pieces[12]);
             r.BandRx = fields[13].Get(pieces[13]);
@@ -135,10 +167,9 @@ void ParseContacts(Model& m, QStringView block) {
             if (count > 16) r.Reserve1 = fields[16].Get(pieces[16]);
             if (count > 17) r.Reserve2 = fields[17].Get(pieces[17]);
             if (count > 18) r.Reserve3 = fields[18].Get(pieces[18]);
-            const qsizetype index = qsizetype(m.LogRecords.size());
+            const qsizetype index = qsizetype(m.LogRecords.size()) - 1;
             r.LaufNr = float(index);
             AppendIndexEntry(m.CallIndex, r.Call, index);
-            m.LogRecords.push_back(std::move(r));
         }
         pos = e + 2;
     } while (block.size() - pos >= 16);

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <QtGlobal>
 
 namespace kolibrino {
 namespace {
@@ -12,38 +13,52 @@ struct Scan {
     qsizetype end = 0; // characters used, 0 when nothing numeric
 };
 
-// Sign, digits, one decimal point ("." or ","), digits, optional exponent.
+bool IsAsciiDigit(QChar c) {
+    return c.unicode() >= u'0' && c.unicode() <= u'9';
+}
+
+// Sign, digits, one decimal point ("." or ","), digits, optional exponent. Numbers in
+// the files are short: the text is copied to a small buffer, never to the heap.
 Scan ScanNumber(QStringView t, qsizetype i) {
     const qsizetype n = t.size();
-    QByteArray buf;
+    char buf[72];
+    int len = 0;
+    auto put = [&](char c) {
+        if (len < int(sizeof buf) - 1) buf[len++] = c;
+    };
     const qsizetype start = i;
-    if (i < n && (t[i] == u'+' || t[i] == u'-')) buf.append(char(t[i++].unicode()));
+    bool negative = false;
+    if (i < n && (t[i] == u'+' || t[i] == u'-')) negative = t[i++] == u'-';
     bool digits = false;
-    while (i < n && t[i].isDigit() && t[i].unicode() < 128) { buf.append(char(t[i++].unicode())); digits = true; }
+    while (i < n && IsAsciiDigit(t[i])) { put(char(t[i++].unicode())); digits = true; }
     if (i < n && (t[i] == u'.' || t[i] == u',')) {
         qsizetype j = i + 1;
-        QByteArray frac;
-        while (j < n && t[j].isDigit() && t[j].unicode() < 128) frac.append(char(t[j++].unicode()));
-        if (digits || !frac.isEmpty()) {
-            buf.append('.');
-            buf.append(frac);
+        const int mark = len;
+        put('.');
+        bool frac = false;
+        while (j < n && IsAsciiDigit(t[j])) { put(char(t[j++].unicode())); frac = true; }
+        if (digits || frac) {
             digits = true;
             i = j;
+        } else {
+            len = mark;
         }
     }
     if (!digits) return {0, 0};
     if (i < n && (t[i] == u'e' || t[i] == u'E' || t[i] == u'd' || t[i] == u'D')) {
         qsizetype j = i + 1;
-        QByteArray ex("e");
-        if (j < n && (t[j] == u'+' || t[j] == u'-')) ex.append(char(t[j++].unicode()));
+        const int mark = len;
+        put('e');
+        if (j < n && (t[j] == u'+' || t[j] == u'-')) put(char(t[j++].unicode()));
         bool expDigits = false;
-        while (j < n && t[j].isDigit() && t[j].unicode() < 128) { ex.append(char(t[j++].unicode())); expDigits = true; }
-        if (expDigits) { buf.append(ex); i = j; }
+        while (j < n && IsAsciiDigit(t[j])) { put(char(t[j++].unicode())); expDigits = true; }
+        if (expDigits) i = j;
+        else len = mark;
     }
     double v = 0;
-    const auto res = std::from_chars(buf.constData() + (buf.startsWith('+') ? 1 : 0), buf.constData() + buf.size(), v);
-    if (res.ec == std::errc::result_out_of_range) v = buf.startsWith('-') ? -HUGE_VAL : HUGE_VAL;
-    return {v, i > start ? i : 0};
+    const auto res = std::from_chars(buf, buf + len, v);
+    if (res.ec == std::errc::result_out_of_range) v = HUGE_VAL;
+    return {negative ? -v : v, i > start ? i : 0};
 }
 
 } // namespace
