@@ -37,11 +37,10 @@ SameDay SameDayWarning(const Model& m, Dialogs& dialogs, const TimeSource& clock
     const QString contacts = TrimBlanks(text.mid(at + 12));
     if (contacts.size() <= 14) return SameDay::NoWarning;
     const QChar sep = m.DateSeparator;
-    const QString needle = QStringLiteral("\u00B6%1%4%2%4%3\u00B6")
-                               .arg(today.day(), 2, 10, QLatin1Char('0'))
-                               .arg(today.month(), 2, 10, QLatin1Char('0'))
-                               .arg(today.year(), 4, 10, QLatin1Char('0'))
-                               .arg(sep);
+    const QChar pilcrow(0x00B6);
+    const QString needle = pilcrow + QStringLiteral("%1").arg(today.day(), 2, 10, QLatin1Char('0')) + sep +
+                           QStringLiteral("%1").arg(today.month(), 2, 10, QLatin1Char('0')) + sep +
+                           QStringLiteral("%1").arg(today.year(), 4, 10, QLatin1Char('0')) + pilcrow;
     if (!contacts.contains(needle)) return SameDay::NoWarning;
     const QStringList lines = {
         QStringLiteral("Du hast heute bereits Stationen geloggt."),

@@ -1,6 +1,7 @@
 #include "setup/station_log.h"
 
 #include "setup/setup_widgets.h"
+#include "ui/combo_max_length.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QButtonGroup>
@@ -170,7 +171,8 @@ QWidget* StationLog::BuildMandatory() {
     combo5_->setObjectName(QStringLiteral("Combo5"));
     combo5_->setEditable(true);
     combo5_->setInsertPolicy(QComboBox::NoInsert);
-    combo5_->lineEdit()->setMaxLength(kCallMax);
+    SetComboMaxLength(combo5_, kCallMax, true);
+    connect(combo5_, &QComboBox::editTextChanged, this, [this] { SetComboMaxLength(combo5_, kCallMax, true); });
     new KeyFilter(KeyFilter::Kind::Call, combo5_->lineEdit());
     command5_ = Button(QStringLiteral("\u2630"), QStringLiteral("Command5"), frame1_);
     command5_->setToolTip(QStringLiteral("Operatorrufzeichenliste bearbeiten"));

@@ -148,7 +148,7 @@ std::optional<QString> ExamDate(const StationForm& f, QChar sep) {
     const int year = f.combo4Text.toInt(&okYear);
     const int month = f.combo3Index + 1;
     if (!okDay || !okYear || !QDate(year, month, day).isValid()) return std::nullopt;
-    return QStringLiteral("%1%4%2%4%3").arg(f.combo2Text).arg(month).arg(f.combo4Text).arg(sep);
+    return f.combo2Text + sep + QString::number(month) + sep + f.combo4Text;
 }
 
 Focus ChooseFileName(Model& m, Dialogs& dialogs, const TimeSource& clock, StationForm& f) {
