@@ -85,6 +85,13 @@ QByteArray ReadWholeFile(const QString& path, bool* ok, QString* error) {
     return data;
 }
 
+bool CopyFileTo(const QString& source, const QString& target, bool overwrite) {
+    if (!overwrite && QFileInfo::exists(target)) return false;
+    bool ok = false;
+    const QByteArray bytes = ReadWholeFile(source, &ok);
+    return ok && WriteFileAtomic(target, bytes).isEmpty();
+}
+
 bool FileExists(const QString& path) {
     const QFileInfo fi(path);
     return fi.exists() && fi.isFile();

@@ -17,6 +17,8 @@ QString WriteFileAtomic(const QString& path, const QByteArray& bytes);
 // Reads a whole file; nullopt-like: ok=false and the error text when it cannot.
 QByteArray ReadWholeFile(const QString& path, bool* ok = nullptr, QString* error = nullptr);
 bool FileExists(const QString& path);
+// Copies a file (atomically at the target); refuses an existing target unless overwrite.
+bool CopyFileTo(const QString& source, const QString& target, bool overwrite);
 bool FolderExists(const QString& path);
 
 } // namespace kolibrino

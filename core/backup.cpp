@@ -39,10 +39,7 @@ void BackupFile(Dialogs& dialogs, const QString& source, const QString& target, 
     const QString alt = target + QStringLiteral(".ALT");
     if (QFile::exists(alt)) QFile::remove(alt);
     if (QFile::exists(target)) QFile::rename(target, alt);
-    bool ok = false;
-    const QByteArray bytes = ReadWholeFile(source, &ok);
-    if (ok) ok = WriteFileAtomic(target, bytes).isEmpty();
-    if (ok) {
+    if (CopyFileTo(source, target, true)) {
         if (QFile::exists(alt)) QFile::remove(alt);
         return;
     }

@@ -137,15 +137,19 @@ void ParseContacts(Model& m, QStringView block) {
         const qsizetype e = FindLineEnd(block, pos);
         if (e < 0 || e - pos <= 15) break; // a short line ends the contacts
         const QStringView line = block.mid(pos, e - pos);
+        // Split at every pilcrow in one pass over the line.
         int count = 0;
+        const QChar* chars = line.data();
+        const qsizetype len = line.size();
         qsizetype start = 0;
-        for (;;) {
-            const qsizetype s = line.indexOf(kPilcrow, start);
-            if (count < 20) pieces[count] = line.mid(start, (s < 0 ? line.size() : s) - start);
+        for (qsizetype i = 0; i < len; ++i) {
+            if (chars[i] != kPilcrow) continue;
+            if (count < 20) pieces[count] = line.mid(start, i - start);
             ++count;
-            if (s < 0) break;
-            start = s + 1;
+            start = i + 1;
         }
+        if (count < 20) pieces[count] = line.mid(start);
+        ++count;
         if (count >= 16) {
             QsoRecord& r = m.LogRecords.emplace_back();
             r.Call = pieces[0].toString();

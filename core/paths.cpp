@@ -66,11 +66,7 @@ QStringList CopyShippedData(const Model& m) {
     const QStringList names = QDir(from).entryList(QDir::Files);
     for (const QString& name : names) {
         if (name.compare(QStringLiteral("README.md"), Qt::CaseInsensitive) == 0) continue;
-        const QString target = m.DataFolder + name;
-        if (QFileInfo::exists(target)) continue;
-        bool ok = false;
-        const QByteArray bytes = ReadWholeFile(from + name, &ok);
-        if (ok && WriteFileAtomic(target, bytes).isEmpty()) copied << name;
+        if (CopyFileTo(from + name, m.DataFolder + name, false)) copied << name;
     }
     return copied;
 }

@@ -89,6 +89,15 @@ private slots:
         QCOMPARE(ReadBytes(target).size(), 1000);
     }
 
+    void copyFileToRefusesAnExistingTargetUnlessOverwriting() {
+        WriteBytes(target, "alt");
+        QVERIFY(!CopyFileTo(source, target, false));
+        QCOMPARE(ReadBytes(target), QByteArray("alt"));
+        QVERIFY(CopyFileTo(source, target, true));
+        QCOMPARE(ReadBytes(target).size(), 1000);
+        QVERIFY(!CopyFileTo(P(QStringLiteral("fehlt")), P(QStringLiteral("stick/neu")), true));
+    }
+
     void driveFreeBytesMeasuresTheTargetsFileSystem() {
         QVERIFY(DriveFreeBytes(target) > 0);
         QVERIFY(DriveFreeBytes(P(QStringLiteral("stick/"))) > 0);
