@@ -42,7 +42,11 @@ QComboBox* MakeCombo(QWidget* parent, const char* name, const QString& tip, cons
     c->setToolTip(tip);
     if (font) c->setFont(*font);
     c->setEditable(editable);
-    if (editable) c->setInsertPolicy(QComboBox::NoInsert);
+    if (editable) {
+        // No completion: "W" and Enter must stay "W", never become a code from the list.
+        c->setInsertPolicy(QComboBox::NoInsert);
+        c->setCompleter(nullptr);
+    }
     return c;
 }
 
