@@ -319,6 +319,12 @@ void StationLog::BuildListEditor() {
     frame7_ = new QGroupBox(QStringLiteral("Operatorrufzeichenliste bearbeiten..."), this);
     frame7_->setObjectName(QStringLiteral("Frame7"));
     frame7_->setAutoFillBackground(true);
+    // It lies over the form: a clear edge and a title bar set it apart.
+    frame7_->setStyleSheet(QStringLiteral(
+        "QGroupBox#Frame7 { border: 2px solid palette(dark); border-radius: 3px; margin-top: 22px;"
+        " background: palette(window); padding-top: 6px; }"
+        "QGroupBox#Frame7::title { subcontrol-origin: margin; subcontrol-position: top left; left: 0px;"
+        " padding: 3px 8px; background: palette(highlight); color: palette(highlighted-text); }"));
     list1_ = new QListWidget(frame7_);
     list1_->setObjectName(QStringLiteral("List1"));
     list1_->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -347,8 +353,8 @@ void StationLog::BuildListEditor() {
 
     picture7_ = new QFrame(this);
     picture7_->setObjectName(QStringLiteral("Picture7"));
-    picture7_->setFrameShape(QFrame::Panel);
-    picture7_->setFrameShadow(QFrame::Raised);
+    picture7_->setFrameShape(QFrame::Box);
+    picture7_->setLineWidth(2);
     picture7_->setAutoFillBackground(true);
     text2_ = Edit(QStringLiteral("Text2"), kCallMax, picture7_);
     new KeyFilter(KeyFilter::Kind::Call, text2_, [this] { ListTakeOver(); });
