@@ -105,6 +105,10 @@ SichernEinstellungen::SichernEinstellungen(Model& m, Dialogs& dialogs, QWidget* 
     connect(dir1_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& index) {
         if (!selecting_ && index.isValid()) ChooseFolder(fs_->filePath(index));
     });
+    // The tree fills in the background: keep the chosen folder in view as it grows.
+    connect(fs_, &QFileSystemModel::directoryLoaded, this, [this] {
+        if (dir1_->currentIndex().isValid()) dir1_->scrollTo(dir1_->currentIndex(), QAbstractItemView::PositionAtCenter);
+    });
     connect(command3, &QPushButton::clicked, this, &SichernEinstellungen::NewFolder);
     connect(command2, &QPushButton::clicked, this, &SichernEinstellungen::OkClicked);
     connect(command1, &QPushButton::clicked, this, &SichernEinstellungen::reject);
