@@ -4,6 +4,7 @@
 #include "core/log_model.h"
 #include "core/paths.h"
 #include "entry/main_window.h"
+#include "setup/main_window_setup.h"
 #include "ui/qt_dialogs.h"
 
 #include <QApplication>
@@ -23,6 +24,7 @@ int main(int argc, char** argv) {
     SystemTimeSource clock;
     HauptForm window(model, dialogs, clock);
     dialogs.SetParent(&window);
+    setup::InstallLogSetup(window, model, dialogs, clock);
     if (!window.Load()) return 0;
     return app.exec();
 }
