@@ -152,6 +152,7 @@ private:
     Dialogs& dialogs_;
     const TimeSource& clock_;
     LogGridModel grid_;
+    LogFileBytes fileBytes_;
     LogGridView* gridView_ = nullptr;
     bool fileUpToDate_ = true;
     bool unloaded_ = false;

@@ -237,7 +237,7 @@ void HauptForm::Uebernehmen() {
     if (m_.Open.BZKarte) calls.fuellen = bzKarteFuellen;
     if (m_.Open.GridKarte) calls.gridCellColor = gridKarteCellColor;
     if (m_.Open.Frequenz) calls.frequency = frequenzOf;
-    const EntryResult result = TakeEntry(m_, dialogs_, grid_, ReadEntryFields(), calls);
+    const EntryResult result = TakeEntry(m_, dialogs_, grid_, ReadEntryFields(), calls, &fileBytes_);
     if (result.outcome != EntryResult::Logged) {
         if (result.outcome == EntryResult::CheckFailed && result.failure.boxFlags < 0)
             label13_->setText(result.failure.message);

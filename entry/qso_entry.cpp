@@ -1,6 +1,8 @@
 #include "entry/qso_entry.h"
 
+#include "core/atomic_file.h"
 #include "core/call_index.h"
+#include "core/cp1252.h"
 #include "core/error_trap.h"
 #include "core/log_file.h"
 #include "core/tallies.h"
@@ -76,7 +78,7 @@ QsoRecord RecordOfEntry(const Model& m, const EntryFields& f, bool isDupe, float
 }
 
 EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const EntryFields& f,
-                      const CompanionCalls& companions) {
+                      const CompanionCalls& companions, LogFileBytes* fileBytes) {
     EntryResult res;
     if (const auto failure = CheckEntry(m, dialogs, f)) {
         res.failure = *failure;
@@ -161,8 +163,23 @@ EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const Entr
     const QsoRecord& rec = m.LogRecords.back();
     res.recordIndex = m.LogRecords.size() - 1;
     AppendIndexEntry(m.CallIndex, rec.Call, qsizetype(res.recordIndex));
-    m.LogText += ContactLine(rec);
-    res.fileWritten = RunTrapped(dialogs, [&m] { return WriteLogFile(m); });
+    const QString line = ContactLine(rec);
+    const bool reuse = fileBytes && fileBytes->textData == m.LogText.constData() &&
+                       fileBytes->textSize == m.LogText.size() && m.LogText.endsWith(fileBytes->lastLine);
+    m.LogText += line;
+    if (fileBytes) {
+        if (reuse) fileBytes->bytes += ToCp1252(line);
+        else fileBytes->bytes = ToCp1252(m.LogText);
+        fileBytes->textData = m.LogText.constData();
+        fileBytes->textSize = m.LogText.size();
+        fileBytes->lastLine = line;
+        res.fileWritten = RunTrapped(dialogs, [&m, fileBytes] {
+            if (m.CurrentLogName.isEmpty()) return WriteLogFile(m); // its "no log" message
+            return WriteFileAtomic(CurrentLogPath(m), fileBytes->bytes);
+        });
+    } else {
+        res.fileWritten = RunTrapped(dialogs, [&m] { return WriteLogFile(m); });
+    }
 
     UpdateCounters(m, band, mode.left(5), m.Formats.ParseTime(rec.Zeit).value_or(QTime()), true);
     res.outcome = EntryResult::Logged;

@@ -75,6 +75,17 @@ struct CompanionCalls {
     std::function<std::optional<float>(int bandIndex)> frequency;                              // frequency window
 };
 
+// The log text as file bytes, kept beside LogText by whoever logs the entries, so that
+// an entry encodes only its own line and not the whole log. It is used only while
+// LogText is the very text it was made from (same buffer, same length, same last
+// line); any other change of LogText makes the next entry encode it whole.
+struct LogFileBytes {
+    const QChar* textData = nullptr;
+    qsizetype textSize = -1;
+    QString lastLine;
+    QByteArray bytes;
+};
+
 struct EntryResult {
     enum Outcome { Logged, CheckFailed, DupeRefused };
     Outcome outcome = CheckFailed;
@@ -87,7 +98,7 @@ struct EntryResult {
 // The whole chain of one entry up to the counters: checks, dupe question, tallies,
 // frequency, grid row, record, index, LogText, file (trapped), UpdateCounters.
 EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const EntryFields& f,
-                      const CompanionCalls& companions = {});
+                      const CompanionCalls& companions = {}, LogFileBytes* fileBytes = nullptr);
 
 // The record a checked entry becomes (step by step as TakeEntry fills it).
 QsoRecord RecordOfEntry(const Model& m, const EntryFields& f, bool isDupe, float frequency, float laufNr);

@@ -73,6 +73,7 @@ private slots:
     void companionCallsFollowTheCallClass();
     void commitKeepsRecordsIndexTextAndFileInStep();
     void writeFailureKeepsTheContactInMemory();
+    void encodedBytesFollowEveryChangeOfTheLogText();
 };
 
 void TestQsoEntry::checksFailInTheirOrder_data() {
@@ -372,6 +373,28 @@ void TestQsoEntry::writeFailureKeepsTheContactInMemory() {
     loaded.SetLocale(AustrianLocale());
     QVERIFY(ParseLog(loaded, ReadBytes(CurrentLogPath(b.m()))));
     QCOMPARE(loaded.LogRecords.size(), size_t(2));
+}
+
+void TestQsoEntry::encodedBytesFollowEveryChangeOfTheLogText() {
+    Bench b;
+    LogFileBytes cache;
+    auto take = [&](const char* call) {
+        TakeEntry(b.m(), b.dialogs, b.grid, b.Fields(QString::fromLatin1(call)), {}, &cache);
+        QCOMPARE(ReadBytes(CurrentLogPath(b.m())), ToCp1252(b.m().LogText));
+        QCOMPARE(cache.bytes, ToCp1252(b.m().LogText));
+    };
+    take("OE1ABC");
+    take("OE3DEF");
+    // A change of the header rebuilds the text, as the station settings do.
+    b.m().Header.MYCALL = QStringLiteral("OE1\u00C4\u00D6");
+    BuildLogText(b.m(), false, 2026);
+    take("OE6GHI");
+    // A note with characters outside code page 1252.
+    EntryFields f = b.Fields(QStringLiteral("OE8JKL"));
+    f.notiz = QStringLiteral("\u20AC und \u4E2D");
+    TakeEntry(b.m(), b.dialogs, b.grid, f, {}, &cache);
+    QCOMPARE(ReadBytes(CurrentLogPath(b.m())), ToCp1252(b.m().LogText));
+    take("OE9MNO");
 }
 
 QTEST_MAIN(TestQsoEntry)

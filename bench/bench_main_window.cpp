@@ -1,0 +1,195 @@
+// Figures for the main window: Enter to the file written for one contact, against a
+// plain write and fsync of the same bytes; the refill of the grid; the start to a
+// usable window. Generated logs in a temporary data folder. Prints medians; judges
+// nothing. Run it with QT_QPA_PLATFORM=offscreen where there is no display.
+#include "core/clock.h"
+#include "core/cp1252.h"
+#include "core/log_file.h"
+#include "core/paths.h"
+#include "core/scripted_dialogs.h"
+#include "core/settings.h"
+#include "entry/log_grid_model.h"
+#include "entry/main_window.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLineEdit>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cstdio>
+#include <fcntl.h>
+#include <functional>
+#include <unistd.h>
+
+using namespace kolibrino;
+
+namespace {
+
+double Median(std::vector<double> t) {
+    std::sort(t.begin(), t.end());
+    return t[t.size() / 2];
+}
+
+double ElapsedMs(const std::function<void()>& f) {
+    QElapsedTimer c;
+    c.start();
+    f();
+    return double(c.nsecsElapsed()) / 1e6;
+}
+
+const char* const kCodes[] = {"WI", "MD", "GZ", "ZZ"};
+
+void WriteDistricts(const QString& dataFolder) {
+    QFile f(dataFolder + QStringLiteral("bez_koord.txt"));
+    if (!f.open(QIODevice::WriteOnly)) return;
+    f.write("WI;500;200;Wien;1;\r\nMD;480;230;M\xf6" "dling;3;\r\nGZ;420;420;Graz;6;\r\nZZ;10;10;Testbezirk;9;\r\n");
+}
+
+// A log of count contacts with random calls, bands, modes and times in both periods.
+void WriteLog(Model& base, const QString& name, int count) {
+    QRandomGenerator rng(7);
+    Model m;
+    m.SetLocale(base.Formats.Locale());
+    m.LogFolder = base.LogFolder;
+    m.CurrentLogName = name;
+    m.Header = DefaultHeader(m);
+    m.Header.MYCALL = QStringLiteral("OE3XYZ");
+    m.Header.MYBZ = QStringLiteral("MD");
+    m.Header.MYOPCALL = QStringLiteral("OE3XYZ");
+    m.LogRecords.reserve(size_t(count));
+    for (int i = 0; i < count; ++i) {
+        QsoRecord r;
+        r.Call = QStringLiteral("OE%1%2").arg(1 + rng.bounded(9)).arg(i, 5, 36, QLatin1Char('A')).toUpper();
+        r.Band = rng.bounded(2) ? 40 : 80;
+        r.Bezirk = QString::fromLatin1(kCodes[rng.bounded(4)]);
+        r.Datum = QStringLiteral("01.05.2026");
+        const int secs = (rng.bounded(2) ? 5 * 3600 : 14 * 3600) + int(rng.bounded(3 * 3600));
+        r.Zeit = m.Formats.RecordTime(QTime::fromMSecsSinceStartOfDay(secs * 1000));
+        r.RstGesendet = r.RstEmpfangen = QStringLiteral("59");
+        r.Mode = r.ModeRx = rng.bounded(3) ? QStringLiteral("SSB") : QStringLiteral("CW");
+        r.Status = rng.bounded(50) == 0 ? Status::Dupe : Status::Normal;
+        r.Operator = QStringLiteral("OE3XYZ");
+        r.BandRx = QStringLiteral("0");
+        r.Frequenz = r.Band == 40 ? 7000 : 3500;
+        r.LaufNr = float(i);
+        m.LogRecords.push_back(r);
+    }
+    BuildLogText(m, true, 2026);
+    WriteLogFile(m);
+}
+
+void PlainWrite(const QString& path, const QByteArray& bytes) {
+    const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    if (fd < 0) return;
+    if (::write(fd, bytes.constData(), size_t(bytes.size())) != bytes.size()) std::perror("write");
+    ::fsync(fd);
+    ::close(fd);
+}
+
+struct Session {
+    explicit Session(const QString& logName) {
+        model.SetLocale(QLocale(QLocale::German, QLocale::Austria));
+        IniStartup(model, QCoreApplication::applicationDirPath());
+        window = std::make_unique<HauptForm>(model, dialogs, clock);
+        qputenv("KOLIBRINO_LOG", logName.toLocal8Bit());
+    }
+    Model model;
+    ScriptedDialogs dialogs;
+    FixedTimeSource clock{QDateTime(QDate(2026, 5, 1), QTime(6, 30))};
+    std::unique_ptr<HauptForm> window;
+};
+
+void EnterBench(Model& base, int count) {
+    const QString name = QStringLiteral("bench%1.KOLBO").arg(count);
+    WriteLog(base, name, count);
+    Session s(name);
+    if (!s.window->Load()) return;
+    s.window->Timer3().stop();
+    auto* call = s.window->findChild<QLineEdit*>(QStringLiteral("Text3"));
+    auto* bezirk = s.window->findChild<QComboBox*>(QStringLiteral("Combo5"));
+    std::vector<double> enter, plain;
+    const QString plainPath = s.model.LogFolder + QStringLiteral("plain.bin");
+    for (int i = 0; i < 21; ++i) {
+        call->setText(QStringLiteral("OE9N%1").arg(i, 3, 10, QLatin1Char('0')).replace(QLatin1Char('0'), QLatin1Char('A')));
+        bezirk->setEditText(QString::fromLatin1(kCodes[i % 4]));
+        const size_t before = s.model.LogRecords.size();
+        enter.push_back(ElapsedMs([&] { s.window->Uebernehmen(); }));
+        if (s.model.LogRecords.size() != before + 1) std::printf("  (entry %d was not logged)\n", i);
+        s.window->Timer3().stop();
+        const QByteArray bytes = ToCp1252(s.model.LogText);
+        plain.push_back(ElapsedMs([&] { PlainWrite(plainPath, bytes); }));
+    }
+    std::vector<double> encode, atomic;
+    for (int i = 0; i < 21; ++i) {
+        QByteArray bytes;
+        encode.push_back(ElapsedMs([&] { bytes = ToCp1252(s.model.LogText); }));
+        atomic.push_back(ElapsedMs([&] { WriteLogFile(s.model); }));
+    }
+    const double e = Median(enter), p = Median(plain);
+    std::printf("Enter to file written, log of %6d contacts: %8.2f ms   plain write+fsync: %8.2f ms   ratio %.2f\n",
+                count, e, p, e / p);
+    std::printf("  of which: encoding the text %.2f ms, the atomic write (with its encoding) %.2f ms\n", Median(encode),
+                Median(atomic));
+    s.window->close();
+}
+
+void RefillBench(Model& base, int count) {
+    const QString name = QStringLiteral("refill%1.KOLBO").arg(count);
+    WriteLog(base, name, count);
+    Session s(name);
+    if (!s.window->Load()) return;
+    std::vector<double> window, logic;
+    for (int i = 0; i < 5; ++i) window.push_back(ElapsedMs([&] { s.window->DatenInGrid1Neu(); }));
+    LogGridModel grid(s.model.Formats);
+    for (int i = 0; i < 5; ++i) logic.push_back(ElapsedMs([&] { DatenInGrid1Neu(s.model, grid); }));
+    std::printf("DatenInGrid1Neu, %6d contacts: %8.2f ms in the window   (rows and counters alone: %.2f ms)\n", count,
+                Median(window), Median(logic));
+    s.window->close();
+}
+
+void StartBench(Model& base, int count) {
+    const QString name = QStringLiteral("start%1.KOLBO").arg(count);
+    WriteLog(base, name, count);
+    std::vector<double> t;
+    for (int i = 0; i < 5; ++i) {
+        Model m;
+        ScriptedDialogs dialogs;
+        FixedTimeSource clock(QDateTime(QDate(2026, 5, 1), QTime(6, 30)));
+        qputenv("KOLIBRINO_LOG", name.toLocal8Bit());
+        std::unique_ptr<HauptForm> w;
+        t.push_back(ElapsedMs([&] {
+            m.SetLocale(QLocale(QLocale::German, QLocale::Austria));
+            IniStartup(m, QCoreApplication::applicationDirPath());
+            w = std::make_unique<HauptForm>(m, dialogs, clock);
+            w->Load();
+            QCoreApplication::processEvents();
+            w->grab(); // painted once: the window is usable
+        }));
+        w->Timer3().stop();
+        w->close();
+    }
+    std::printf("Start to a usable window, log of %6d contacts: %8.2f ms\n", count, Median(t));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    QTemporaryDir home;
+    qputenv("KOLIBRINO_HOME", home.path().toLocal8Bit());
+    Model base;
+    base.SetLocale(QLocale(QLocale::German, QLocale::Austria));
+    SetupFolders(base);
+    WriteDistricts(base.DataFolder);
+    IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM"), 12);
+    std::printf("Main window figures (medians), data folder %s\n", qPrintable(home.path()));
+    EnterBench(base, 1000);
+    EnterBench(base, 10000);
+    RefillBench(base, 10000);
+    RefillBench(base, 100000);
+    StartBench(base, 10000);
+    return 0;
+}
