@@ -11,7 +11,8 @@ namespace kolibrino::setup {
 namespace {
 
 QString NoSlash(QString path) {
-    while (path.size() > 1 && path.endsWith(QLatin1Char('/'))) path.chop(1);
+    while (path.size() > 1 && path.endsWith(QLatin1Char('/')))
+        path.chop(1);
     return path;
 }
 

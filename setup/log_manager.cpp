@@ -59,7 +59,8 @@ QString CheckRenameName(const QString& trimmedName) {
 QString RenamedFileName(const QString& trimmedName) {
     // Four characters are held against the six of the extension: never equal, so the
     // extension is always appended, twice on a name that already bears it.
-    if (trimmedName.right(4).toUpper() != QLatin1String(kLogExtension)) return trimmedName + QLatin1String(kLogExtension);
+    if (trimmedName.right(4).toUpper() != QLatin1String(kLogExtension))
+        return trimmedName + QLatin1String(kLogExtension);
     return trimmedName;
 }
 
@@ -98,8 +99,9 @@ int DeleteLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const 
     const QString folder = WithSlash(logFolder);
     int deleted = 0;
     for (const QString& name : selected) {
-        const int answer = dialogs.MsgBox(
-            QStringLiteral("Möchtest du das Log\r\n%1\r\nwirklich löschen?").arg(name), Msg::YesNoCancel | Msg::Question);
+        const int answer =
+            dialogs.MsgBox(QStringLiteral("Möchtest du das Log\r\n%1\r\nwirklich löschen?").arg(name),
+                           Msg::YesNoCancel | Msg::Question);
         if (answer == Msg::Cancel) break;
         if (answer != Msg::Yes) {
             dialogs.Beep();
@@ -144,8 +146,12 @@ int CopyLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QS
     return copied;
 }
 
-QString BrowseStartFolder() { return g_browseStart; }
-void SetBrowseStartFolder(const QString& folder) { g_browseStart = folder; }
+QString BrowseStartFolder() {
+    return g_browseStart;
+}
+void SetBrowseStartFolder(const QString& folder) {
+    g_browseStart = folder;
+}
 
 QString ExistingLastLog(const Model& m) {
     const QString last = IniReadString(m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"));

@@ -48,7 +48,8 @@ LogNewOpen::LogNewOpen(Model& m, Dialogs& dialogs, const TimeSource& clock, cons
     file1_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     auto* fileLayout = new QVBoxLayout(fileFrame);
     fileLayout->addWidget(file1_);
-    connect(file1_, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem* item) { OpenRow(item->text()); });
+    connect(file1_, &QListWidget::itemDoubleClicked, this,
+            [this](QListWidgetItem* item) { OpenRow(item->text()); });
 
     auto* label3 = new QLabel(QStringLiteral("Zuletzt verwendetes Log"), this);
     label3->setObjectName(QStringLiteral("Label3"));
@@ -100,7 +101,8 @@ LogNewOpen::LogNewOpen(Model& m, Dialogs& dialogs, const TimeSource& clock, cons
     }
 
     // Load.
-    label1_->setText(QStringLiteral("Bestehende Kontest-Logs in\n%1").arg(QDir::toNativeSeparators(m_.LogFolder)));
+    label1_->setText(
+        QStringLiteral("Bestehende Kontest-Logs in\n%1").arg(QDir::toNativeSeparators(m_.LogFolder)));
     RefreshList();
     const QString last = ExistingLastLog(m_);
     if (!last.isEmpty()) label2_->setText(last);
@@ -126,7 +128,9 @@ void LogNewOpen::showEvent(QShowEvent* e) {
 
 void LogNewOpen::FirstActivation() {
     // Only at start: from "Log Öffnen" the operator wants to choose.
-    if (mode_ == Mode::Start && IniReadInt(m_.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")) == -1) OpenLastLog();
+    if (mode_ == Mode::Start &&
+        IniReadInt(m_.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")) == -1)
+        OpenLastLog();
 }
 
 void LogNewOpen::OpenLastLog() {

@@ -35,13 +35,13 @@ public:
     QString LastLog() const;
 
     // The events, for the buttons and for tests.
-    void OpenLastLog();                 // click on Label2
-    void OpenRow(const QString& name);  // double click in File1
-    void Rename();                      // Command1
-    void Delete();                      // Command2
-    void Copy();                        // Command3
-    void NewLog();                      // Command4
-    void ToggleExtended();              // Command5
+    void OpenLastLog();                // click on Label2
+    void OpenRow(const QString& name); // double click in File1
+    void Rename();                     // Command1
+    void Delete();                     // Command2
+    void Copy();                       // Command3
+    void NewLog();                     // Command4
+    void ToggleExtended();             // Command5
     void RefreshList();
     QStringList SelectedNames() const;
 

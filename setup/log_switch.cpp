@@ -54,7 +54,8 @@ SameDay SameDayWarning(const Model& m, Dialogs& dialogs, const TimeSource& clock
         QStringLiteral("NEIN = Neues Log anlegen"),
         QStringLiteral("Abbrechen = Zurück zum vorherigen Fenster"),
     };
-    const int answer = dialogs.MsgBox(lines.join(QStringLiteral("\r\n")), Msg::YesNoCancel | Msg::Information);
+    const int answer =
+        dialogs.MsgBox(lines.join(QStringLiteral("\r\n")), Msg::YesNoCancel | Msg::Information);
     if (answer == Msg::Yes) {
         if (lastLog) *lastLog = last;
         return SameDay::TakeLastLog;

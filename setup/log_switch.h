@@ -19,16 +19,16 @@ namespace kolibrino::setup {
 
 // What the main window does for the log set-up.
 struct MainHooks {
-    std::function<void()> clearGrid;        // the grid cut to its heading row
-    std::function<void()> fillGrid;         // the grid filled anew from LogRecords
+    std::function<void()> clearGrid; // the grid cut to its heading row
+    std::function<void()> fillGrid;  // the grid filled anew from LogRecords
     // Label12, Frame1 and the operator box: district, own call, operator call.
     std::function<void(const QString& bezirk, const QString& call, const QString& opCall)> showStation;
     // The operator box refilled from a list, its text set.
     std::function<void(const QStringList& rows, const QString& text)> setOperators;
-    std::function<void()> applyBandDefault; // the band box's Click, when Frequenz is open
+    std::function<void()> applyBandDefault;   // the band box's Click, when Frequenz is open
     std::function<void()> refreshSideWindows; // each open side window recomputes
     std::function<void(const QString& title)> setTitle;
-    std::function<void()> armBackupTimer;   // Timer3
+    std::function<void()> armBackupTimer;    // Timer3
     std::function<bool()> autoBackupChecked; // MnAutomatischesSichern's check mark
     std::function<void()> startScoreRefresh; // the score window's Timer1, when it is open
 };

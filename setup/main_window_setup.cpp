@@ -63,7 +63,8 @@ void InstallLogSetup(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource&
     connectEntry("MnOpenLog", [&w, &m, &dialogs, &clock, endIfAsked] {
         endIfAsked(MnOpenLog(&w, m, dialogs, clock, HooksOf(w, m)));
     });
-    connectEntry("MnLogoptionen", [&w, &m, &dialogs, &clock] { MnLogoptionen(&w, m, dialogs, clock, HooksOf(w, m)); });
+    connectEntry("MnLogoptionen",
+                 [&w, &m, &dialogs, &clock] { MnLogoptionen(&w, m, dialogs, clock, HooksOf(w, m)); });
     if (QAction* a = w.Action(QStringLiteral("MnAutomatischesSichern"))) {
         a->setEnabled(true);
         // The entry is a check mark that Qt flips on the click; the window decides it.

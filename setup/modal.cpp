@@ -26,10 +26,20 @@ int ExecModal(QDialog& dialog) {
     return dialog.result();
 }
 
-void SetDriverMode(bool on) { g_driverMode = on; }
-bool DriverMode() { return g_driverMode; }
-void PushModalDriver(ModalDriver driver) { g_drivers.enqueue(std::move(driver)); }
-int PendingModalDrivers() { return int(g_drivers.size()); }
-void ClearModalDrivers() { g_drivers.clear(); }
+void SetDriverMode(bool on) {
+    g_driverMode = on;
+}
+bool DriverMode() {
+    return g_driverMode;
+}
+void PushModalDriver(ModalDriver driver) {
+    g_drivers.enqueue(std::move(driver));
+}
+int PendingModalDrivers() {
+    return int(g_drivers.size());
+}
+void ClearModalDrivers() {
+    g_drivers.clear();
+}
 
 } // namespace kolibrino::setup

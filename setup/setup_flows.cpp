@@ -11,7 +11,8 @@
 
 namespace kolibrino::setup {
 
-bool ChooseLogAtStart(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& hooks) {
+bool ChooseLogAtStart(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock,
+                      const MainHooks& hooks) {
     {
         LogNewOpen window(m, dialogs, clock, hooks, LogNewOpen::Mode::Start, parent);
         ExecModal(window);
@@ -19,7 +20,8 @@ bool ChooseLogAtStart(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSou
     return !m.CurrentLogName.isEmpty() && QFileInfo(m.LogFolder + m.CurrentLogName).isFile();
 }
 
-SwitchResult MnNeuesLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& hooks) {
+SwitchResult MnNeuesLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock,
+                        const MainHooks& hooks) {
     for (;;) {
         QString last;
         const SameDay warning = SameDayWarning(m, dialogs, clock, &last);
@@ -37,7 +39,8 @@ SwitchResult MnNeuesLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeS
     }
 }
 
-SwitchResult MnOpenLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& hooks) {
+SwitchResult MnOpenLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock,
+                       const MainHooks& hooks) {
     for (;;) {
         const QString previous = m.CurrentLogName;
         {
@@ -49,7 +52,8 @@ SwitchResult MnOpenLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSo
     }
 }
 
-void MnLogoptionen(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& hooks) {
+void MnLogoptionen(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock,
+                   const MainHooks& hooks) {
     {
         StationLog window(m, dialogs, clock, hooks, StationMode::Options, parent);
         window.FillFromLog();
@@ -62,7 +66,8 @@ void MnLogoptionen(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource
     if (hooks.armBackupTimer) hooks.armBackupTimer();
     const bool checked = hooks.autoBackupChecked && hooks.autoBackupChecked();
     if (checked && !m.ExtraBackupPath.isEmpty())
-        BackupFile(dialogs, m.LogFolder + m.CurrentLogName, m.ExtraBackupPath + m.CurrentLogName, m.ExtraBackupPath);
+        BackupFile(dialogs, m.LogFolder + m.CurrentLogName, m.ExtraBackupPath + m.CurrentLogName,
+                   m.ExtraBackupPath);
 }
 
 std::optional<bool> MnAutomatischesSichern(QWidget* parent, Model& m, Dialogs& dialogs) {

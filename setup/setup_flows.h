@@ -20,15 +20,19 @@ namespace kolibrino::setup {
 
 // Load, step 8: the log manager with all its functions. True when CurrentLogName names
 // a file in LogFolder afterwards; false means the program ends quietly.
-bool ChooseLogAtStart(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& hooks = {});
+bool ChooseLogAtStart(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock,
+                      const MainHooks& hooks = {});
 
 // MnNeuesLog: the same-day warning, StationLog for a new log, and the switch.
-SwitchResult MnNeuesLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& hooks);
+SwitchResult MnNeuesLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock,
+                        const MainHooks& hooks);
 // MnOpenLog: the log manager (open only) and the switch.
-SwitchResult MnOpenLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& hooks);
+SwitchResult MnOpenLog(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock,
+                       const MainHooks& hooks);
 // MnLogoptionen: StationLog on the open log's header; afterwards the main window's
 // station fields, the operator box, Timer3 and the additional backup.
-void MnLogoptionen(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& hooks);
+void MnLogoptionen(QWidget* parent, Model& m, Dialogs& dialogs, const TimeSource& clock,
+                   const MainHooks& hooks);
 // MnAutomatischesSichern: the backup settings. The new state of the check mark, or
 // nullopt when the window was cancelled.
 std::optional<bool> MnAutomatischesSichern(QWidget* parent, Model& m, Dialogs& dialogs);

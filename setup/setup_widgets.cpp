@@ -17,7 +17,8 @@ ClickLabel::ClickLabel(QWidget* parent) : QLabel(parent) {
 }
 
 void ClickLabel::mouseReleaseEvent(QMouseEvent* e) {
-    if (e->button() == Qt::LeftButton && isEnabled() && rect().contains(e->position().toPoint())) emit clicked();
+    if (e->button() == Qt::LeftButton && isEnabled() && rect().contains(e->position().toPoint()))
+        emit clicked();
     QLabel::mouseReleaseEvent(e);
 }
 

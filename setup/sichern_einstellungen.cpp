@@ -29,15 +29,16 @@ QPushButton* Button(const QString& caption, const QString& name, QWidget* parent
 
 // File systems that hold no user's folders.
 bool IsPseudoFileSystem(const QByteArray& type) {
-    static const QList<QByteArray> pseudo = {"proc",   "sysfs",     "devtmpfs", "devpts",     "cgroup",
-                                             "cgroup2", "securityfs", "pstore",   "debugfs",    "tracefs",
-                                             "mqueue", "hugetlbfs", "fusectl",  "configfs",   "bpf",
-                                             "binfmt_misc", "autofs", "efivarfs", "rpc_pipefs", "nsfs"};
+    static const QList<QByteArray> pseudo = {"proc",        "sysfs",      "devtmpfs", "devpts",     "cgroup",
+                                             "cgroup2",     "securityfs", "pstore",   "debugfs",    "tracefs",
+                                             "mqueue",      "hugetlbfs",  "fusectl",  "configfs",   "bpf",
+                                             "binfmt_misc", "autofs",     "efivarfs", "rpc_pipefs", "nsfs"};
     return pseudo.contains(type);
 }
 
 QString NoSlash(QString path) {
-    while (path.size() > 1 && path.endsWith(QLatin1Char('/'))) path.chop(1);
+    while (path.size() > 1 && path.endsWith(QLatin1Char('/')))
+        path.chop(1);
     return path;
 }
 
@@ -74,7 +75,8 @@ SichernEinstellungen::SichernEinstellungen(Model& m, Dialogs& dialogs, QWidget* 
     dir1_ = new QTreeView(this);
     dir1_->setObjectName(QStringLiteral("Dir1"));
     dir1_->setModel(fs_);
-    for (int c = 1; c < fs_->columnCount(); ++c) dir1_->hideColumn(c);
+    for (int c = 1; c < fs_->columnCount(); ++c)
+        dir1_->hideColumn(c);
     dir1_->header()->hide();
     dir1_->setMinimumHeight(240);
     text1_ = new QLineEdit(this);
@@ -83,7 +85,8 @@ SichernEinstellungen::SichernEinstellungen(Model& m, Dialogs& dialogs, QWidget* 
     auto* command3 = Button(QStringLiteral("&Neuer Ordner"), QStringLiteral("Command3"), this);
     auto* command2 = Button(QStringLiteral("&OK"), QStringLiteral("Command2"), this);
     auto* command1 = Button(QStringLiteral("&Abbrechen"), QStringLiteral("Command1"), this);
-    for (QPushButton* b : {command3, command2, command1}) b->setMinimumWidth(110);
+    for (QPushButton* b : {command3, command2, command1})
+        b->setMinimumWidth(110);
 
     auto* grid = new QVBoxLayout(this);
     grid->addWidget(check1_);
@@ -102,12 +105,14 @@ SichernEinstellungen::SichernEinstellungen(Model& m, Dialogs& dialogs, QWidget* 
     grid->addLayout(buttons);
 
     connect(drive1_, &QComboBox::textActivated, this, &SichernEinstellungen::ChooseVolume);
-    connect(dir1_->selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& index) {
-        if (!selecting_ && index.isValid()) ChooseFolder(fs_->filePath(index));
-    });
+    connect(dir1_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex& index) {
+                if (!selecting_ && index.isValid()) ChooseFolder(fs_->filePath(index));
+            });
     // The tree fills in the background: keep the chosen folder in view as it grows.
     connect(fs_, &QFileSystemModel::directoryLoaded, this, [this] {
-        if (dir1_->currentIndex().isValid()) dir1_->scrollTo(dir1_->currentIndex(), QAbstractItemView::PositionAtCenter);
+        if (dir1_->currentIndex().isValid())
+            dir1_->scrollTo(dir1_->currentIndex(), QAbstractItemView::PositionAtCenter);
     });
     connect(command3, &QPushButton::clicked, this, &SichernEinstellungen::NewFolder);
     connect(command2, &QPushButton::clicked, this, &SichernEinstellungen::OkClicked);
@@ -168,7 +173,11 @@ void SichernEinstellungen::OkClicked() {
     accept();
 }
 
-bool SichernEinstellungen::Enabled() const { return check1_->isChecked(); }
-QString SichernEinstellungen::Folder() const { return text1_->text(); }
+bool SichernEinstellungen::Enabled() const {
+    return check1_->isChecked();
+}
+QString SichernEinstellungen::Folder() const {
+    return text1_->text();
+}
 
 } // namespace kolibrino::setup

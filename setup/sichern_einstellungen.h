@@ -30,8 +30,8 @@ public:
     // Events, for the controls and for tests.
     void ChooseVolume(const QString& root);   // Drive1
     void ChooseFolder(const QString& folder); // Dir1
-    void NewFolder();                          // Command3
-    void OkClicked();                          // Command2
+    void NewFolder();                         // Command3
+    void OkClicked();                         // Command2
 
     bool Enabled() const;   // the state stored by OK
     QString Folder() const; // Text1

@@ -106,11 +106,13 @@ StationLog::StationLog(Model& m, Dialogs& dialogs, const TimeSource& clock, cons
     QWidget* mandatory = BuildMandatory();
     QWidget* optional = BuildOptional();
 
-    command13_ = Button(QStringLiteral("Daten aus letztem Log importieren"), QStringLiteral("Command13"), this);
+    command13_ =
+        Button(QStringLiteral("Daten aus letztem Log importieren"), QStringLiteral("Command13"), this);
     command2_ = Button(QStringLiteral("&Speichern"), QStringLiteral("Command2"), this);
     command4_ = Button(QStringLiteral("&Speichern"), QStringLiteral("Command4"), this);
     command1_ = Button(QStringLiteral("&Abbrechen"), QStringLiteral("Command1"), this);
-    for (QPushButton* b : {command2_, command4_, command1_}) b->setMinimumWidth(110);
+    for (QPushButton* b : {command2_, command4_, command1_})
+        b->setMinimumWidth(110);
     connect(command13_, &QPushButton::clicked, this, &StationLog::Import);
     connect(command2_, &QPushButton::clicked, this, &StationLog::SaveClicked);
     connect(command4_, &QPushButton::clicked, this, &StationLog::SaveClicked);
@@ -172,7 +174,8 @@ QWidget* StationLog::BuildMandatory() {
     combo5_->setEditable(true);
     combo5_->setInsertPolicy(QComboBox::NoInsert);
     SetComboMaxLength(combo5_, kCallMax, true);
-    connect(combo5_, &QComboBox::editTextChanged, this, [this] { SetComboMaxLength(combo5_, kCallMax, true); });
+    connect(combo5_, &QComboBox::editTextChanged, this,
+            [this] { SetComboMaxLength(combo5_, kCallMax, true); });
     new KeyFilter(KeyFilter::Kind::Call, combo5_->lineEdit());
     command5_ = Button(QStringLiteral("\u2630"), QStringLiteral("Command5"), frame1_);
     command5_->setToolTip(QStringLiteral("Operatorrufzeichenliste bearbeiten"));
@@ -202,7 +205,8 @@ QWidget* StationLog::BuildMandatory() {
     frame6->setObjectName(QStringLiteral("Frame6"));
     auto* f6 = new QHBoxLayout(frame6);
     option4_ = Options(QStringLiteral("Option4"),
-                       {QStringLiteral("Single-OP"), QStringLiteral("Multi-OP"), QStringLiteral("Checklog")}, frame6, f6);
+                       {QStringLiteral("Single-OP"), QStringLiteral("Multi-OP"), QStringLiteral("Checklog")},
+                       frame6, f6);
     grid->addWidget(frame3, 4, 0);
     grid->addWidget(frame6, 4, 1);
 
@@ -210,16 +214,17 @@ QWidget* StationLog::BuildMandatory() {
     frameW->setObjectName(QStringLiteral("Frame4"));
     auto* fw = new QVBoxLayout(frameW);
     option2_ = Options(QStringLiteral("Option2"),
-                       {QStringLiteral("SSB"), QStringLiteral("MIX"), QStringLiteral("CW"), QStringLiteral("Newcomer"),
-                        QStringLiteral("Staatsfunkstelle")},
+                       {QStringLiteral("SSB"), QStringLiteral("MIX"), QStringLiteral("CW"),
+                        QStringLiteral("Newcomer"), QStringLiteral("Staatsfunkstelle")},
                        frameW, fw);
     connect(option2_, &QButtonGroup::idClicked, this, [this](int id) { frame5_->setVisible(id == 3); });
     auto* frameL = new QGroupBox(QStringLiteral("Leistungsklasse"), frame1_);
     frameL->setObjectName(QStringLiteral("Frame8"));
     auto* fl = new QVBoxLayout(frameL);
-    option3_ = Options(QStringLiteral("Option3"),
-                       {QStringLiteral("Low-Power (max. 100 Watt)"), QStringLiteral("High-Power (über 100 Watt)")}, frameL,
-                       fl);
+    option3_ =
+        Options(QStringLiteral("Option3"),
+                {QStringLiteral("Low-Power (max. 100 Watt)"), QStringLiteral("High-Power (über 100 Watt)")},
+                frameL, fl);
     fl->addStretch();
     grid->addWidget(frameW, 5, 0);
     grid->addWidget(frameL, 5, 1);
@@ -247,7 +252,8 @@ QWidget* StationLog::BuildMandatory() {
     frameN->setObjectName(QStringLiteral("Frame9"));
     auto* fn = new QHBoxLayout(frameN);
     auto* npower = new QVBoxLayout;
-    option5_ = Options(QStringLiteral("Option5"), {QStringLiteral("Nein"), QStringLiteral("Ja")}, frameN, npower);
+    option5_ =
+        Options(QStringLiteral("Option5"), {QStringLiteral("Nein"), QStringLiteral("Ja")}, frameN, npower);
     npower->addStretch();
     connect(option5_, &QButtonGroup::idClicked, this, [this](int id) {
         StationForm f;
@@ -303,7 +309,9 @@ QWidget* StationLog::BuildOptional() {
     grid->addWidget(Caption(QStringLiteral("Ort"), text10_, frame2_), 4, 1);
     grid->addWidget(text9_, 5, 0);
     grid->addWidget(text10_, 5, 1);
-    grid->addWidget(Caption(QStringLiteral("Email Adresse (Bitte angeben zwecks Rückfragen)"), text6_, frame2_), 6, 0, 1, 2);
+    grid->addWidget(
+        Caption(QStringLiteral("Email Adresse (Bitte angeben zwecks Rückfragen)"), text6_, frame2_), 6, 0, 1,
+        2);
     grid->addWidget(text6_, 7, 0, 1, 2);
     grid->addWidget(Caption(QStringLiteral("Stationsbeschreibung"), text7_, frame2_), 8, 0, 1, 2);
     grid->addWidget(text7_, 9, 0, 1, 2);
@@ -374,7 +382,8 @@ void StationLog::PlaceOverlays() {
     const QSize f7(380, 300);
     frame7_->setGeometry((width() - f7.width()) / 2, (height() - f7.height()) / 2, f7.width(), f7.height());
     const QSize p7(300, 110);
-    picture7_->setGeometry((width() - p7.width()) / 2, (height() - p7.height()) / 2 + 20, p7.width(), p7.height());
+    picture7_->setGeometry((width() - p7.width()) / 2, (height() - p7.height()) / 2 + 20, p7.width(),
+                           p7.height());
 }
 
 void StationLog::resizeEvent(QResizeEvent* e) {
@@ -400,7 +409,8 @@ StationForm StationLog::ReadForm() const {
     StationForm f;
     f.text1 = text1_->text();
     f.combo5Text = combo5_->currentText();
-    for (int i = 0; i < combo5_->count(); ++i) f.combo5Rows << combo5_->itemText(i);
+    for (int i = 0; i < combo5_->count(); ++i)
+        f.combo5Rows << combo5_->itemText(i);
     f.text3 = text3_->text();
     f.combo1Text = combo1_->currentIndex() < 0 ? QString() : combo1_->currentText();
     f.option1 = option1_->checkedId();
@@ -457,12 +467,23 @@ void StationLog::ApplyForm(const StationForm& f) {
 
 void StationLog::ApplyFocus(Focus focus) {
     switch (focus) {
-    case Focus::Text1: text1_->setFocus(); break;
-    case Focus::Option2State: option2_->button(4)->setFocus(); break;
-    case Focus::Combo5: combo5_->setFocus(); break;
-    case Focus::Combo1: combo1_->setFocus(); break;
-    case Focus::Text6: text6_->setFocus(); break;
-    case Focus::None: break;
+    case Focus::Text1:
+        text1_->setFocus();
+        break;
+    case Focus::Option2State:
+        option2_->button(4)->setFocus();
+        break;
+    case Focus::Combo5:
+        combo5_->setFocus();
+        break;
+    case Focus::Combo1:
+        combo1_->setFocus();
+        break;
+    case Focus::Text6:
+        text6_->setFocus();
+        break;
+    case Focus::None:
+        break;
     }
 }
 
@@ -516,13 +537,15 @@ void StationLog::SetEditorOpen(bool open) {
 
 void StationLog::OpenListEditor() {
     list1_->clear();
-    for (int i = 0; i < combo5_->count(); ++i) list1_->addItem(combo5_->itemText(i));
+    for (int i = 0; i < combo5_->count(); ++i)
+        list1_->addItem(combo5_->itemText(i));
     SetEditorOpen(true);
 }
 
 void StationLog::ListNew() {
     QStringList rows;
-    for (int i = 0; i < list1_->count(); ++i) rows << list1_->item(i)->text();
+    for (int i = 0; i < list1_->count(); ++i)
+        rows << list1_->item(i)->text();
     if (!OperatorListMayAdd(dialogs_, rows)) return;
     editIndex_ = -1;
     text2_->clear();
@@ -571,7 +594,8 @@ void StationLog::ListDelete() {
 
 void StationLog::ListTakeOver() {
     QStringList rows;
-    for (int i = 0; i < list1_->count(); ++i) rows << list1_->item(i)->text();
+    for (int i = 0; i < list1_->count(); ++i)
+        rows << list1_->item(i)->text();
     if (!OperatorListTakeOver(dialogs_, rows, editIndex_, text2_->text())) {
         text2_->setFocus();
         return;
@@ -588,7 +612,8 @@ void StationLog::ListLeaveEntry() {
 
 void StationLog::ListOk() {
     combo5_->clear(); // the typed text goes with the list
-    for (int i = 0; i < list1_->count(); ++i) combo5_->addItem(list1_->item(i)->text());
+    for (int i = 0; i < list1_->count(); ++i)
+        combo5_->addItem(list1_->item(i)->text());
     combo5_->setCurrentIndex(-1);
     combo5_->setEditText(QString());
     ListCancel();

@@ -49,17 +49,17 @@ public:
     void ApplyForm(const StationForm& f);
 
     // Events, for the buttons and for tests.
-    void SaveClicked();        // Command2 or Command4
-    void ChooseName();         // Label10, Command3
-    void Import();             // Command13
-    void OpenListEditor();     // Command5
-    void ListNew();            // Command10
-    void ListEdit();           // Command9, double click in List1
-    void ListDelete();         // Command8
-    void ListTakeOver();       // Command11
-    void ListLeaveEntry();     // Command12
-    void ListOk();             // Command7
-    void ListCancel();         // Command6
+    void SaveClicked();    // Command2 or Command4
+    void ChooseName();     // Label10, Command3
+    void Import();         // Command13
+    void OpenListEditor(); // Command5
+    void ListNew();        // Command10
+    void ListEdit();       // Command9, double click in List1
+    void ListDelete();     // Command8
+    void ListTakeOver();   // Command11
+    void ListLeaveEntry(); // Command12
+    void ListOk();         // Command7
+    void ListCancel();     // Command6
 
     void reject() override;
 

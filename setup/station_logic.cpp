@@ -17,7 +17,8 @@
 namespace kolibrino::setup {
 namespace {
 
-const QString kFailure = QStringLiteral("Die Datei\r\n\r\nist fehlerhaft oder keine gültige Kolibrino Logdatei!");
+const QString kFailure =
+    QStringLiteral("Die Datei\r\n\r\nist fehlerhaft oder keine gültige Kolibrino Logdatei!");
 
 QString Today(const TimeSource& clock) {
     return clock.Now().date().toString(QStringLiteral("yyyyMMdd"));
@@ -40,7 +41,8 @@ QString ContestManagerMail() {
 }
 
 QString EmergencyPowerText() {
-    return QStringLiteral("Die Station wurde in beiden Contestperioden unabhängig vom öffentlichen Stromnetz betrieben.\n"
+    return QStringLiteral("Die Station wurde in beiden Contestperioden unabhängig vom öffentlichen Stromnetz "
+                          "betrieben.\n"
                           "Dies zählt +2 Multiplikatorpunkte.\n"
                           "Bei Notstrombetrieb sind Fotos der Anlage an  %1  zu senden!")
         .arg(ContestManagerMail());
@@ -69,19 +71,22 @@ QStringList DistrictRows(const Model& m) {
 QStringList YearRows(const TimeSource& clock) {
     const int year = clock.Now().date().year();
     QStringList rows;
-    for (int y = year; y >= year - 3; --y) rows << QString::number(y);
+    for (int y = year; y >= year - 3; --y)
+        rows << QString::number(y);
     return rows;
 }
 
 QStringList MonthNames(const QLocale& locale) {
     QStringList names;
-    for (int i = 1; i <= 12; ++i) names << locale.standaloneMonthName(i, QLocale::LongFormat);
+    for (int i = 1; i <= 12; ++i)
+        names << locale.standaloneMonthName(i, QLocale::LongFormat);
     return names;
 }
 
 QStringList DayRows() {
     QStringList rows;
-    for (int d = 1; d <= 31; ++d) rows << QString::number(d);
+    for (int d = 1; d <= 31; ++d)
+        rows << QString::number(d);
     return rows;
 }
 
@@ -159,8 +164,9 @@ Focus ChooseFileName(Model& m, Dialogs& dialogs, const TimeSource& clock, Statio
     }
     QString suggestion = call.toUpper();
     suggestion.replace(QLatin1Char('/'), QLatin1Char('_'));
-    const auto answer = dialogs.InputBox(QStringLiteral("Namen für neues Log eingeben"), QStringLiteral("Dateiname"),
-                                         QStringLiteral("ZEFT_%1_%2").arg(suggestion, Today(clock)));
+    const auto answer =
+        dialogs.InputBox(QStringLiteral("Namen für neues Log eingeben"), QStringLiteral("Dateiname"),
+                         QStringLiteral("ZEFT_%1_%2").arg(suggestion, Today(clock)));
     if (!answer) return Focus::None;
     QString name = *answer;
     name.replace(QLatin1Char('/'), QLatin1Char('_'));
@@ -193,13 +199,17 @@ bool Validate(Model& m, Dialogs& dialogs, const TimeSource& clock, StationForm& 
         *focus = where;
         return false;
     };
-    if (call.size() < 3) return fail(QStringLiteral("Bitte ein gültiges Stationsrufzeichen eingeben!"), Focus::Text1);
+    if (call.size() < 3)
+        return fail(QStringLiteral("Bitte ein gültiges Stationsrufzeichen eingeben!"), Focus::Text1);
     const bool stateCall = ThirdIsLetter(call);
     if (!stateCall && f.option2 == 4)
-        return fail(QStringLiteral("Wertungsklasse 'Staatsfunkstelle' mit diesem Rufzeichen nicht möglich!"), Focus::Text1);
+        return fail(QStringLiteral("Wertungsklasse 'Staatsfunkstelle' mit diesem Rufzeichen nicht möglich!"),
+                    Focus::Text1);
     if (stateCall && f.option2 != 4)
-        return fail(QStringLiteral("Für eine Staatsfunkstelle muss die Wertungsklasse 'Staatsfunkstelle' ausgewählt werden!"),
-                    Focus::Option2State);
+        return fail(
+            QStringLiteral(
+                "Für eine Staatsfunkstelle muss die Wertungsklasse 'Staatsfunkstelle' ausgewählt werden!"),
+            Focus::Option2State);
     if (f.label10.isEmpty()) {
         dialogs.MsgBox(QStringLiteral("Kein Name für die Logdatei angegeben!"), Msg::Critical);
         *focus = ChooseFileName(m, dialogs, clock, f);
@@ -207,15 +217,18 @@ bool Validate(Model& m, Dialogs& dialogs, const TimeSource& clock, StationForm& 
     }
     if (TrimBlanks(f.combo5Text).size() < 3)
         return fail(QStringLiteral("Bitte ein gültiges Operatorrufzeichen eingeben!"), Focus::Combo5);
-    if (f.combo1Text.size() < 2) return fail(QStringLiteral("Bitte den eigenen Bezirk auswählen!"), Focus::Combo1);
+    if (f.combo1Text.size() < 2)
+        return fail(QStringLiteral("Bitte den eigenen Bezirk auswählen!"), Focus::Combo1);
     if (f.frame5Visible) {
         const QChar sep = FirstNonDigit(m.Formats.ShortDate(clock.Now().date()), m.DateSeparator);
         if (!ExamDate(f, sep))
-            return fail(QStringLiteral("Du hast kein gültiges Datum für deine Lizenzprüfung angegeben!"), Focus::None);
+            return fail(QStringLiteral("Du hast kein gültiges Datum für deine Lizenzprüfung angegeben!"),
+                        Focus::None);
     }
     if (!f.text6.contains(QLatin1Char('@'))) {
         const int a = dialogs.MsgBox(
-            QStringLiteral("Du hast deine eMail-Adresse nicht angegeben!\r\nBitte gib sie zwecks Rückfragen ein!"),
+            QStringLiteral(
+                "Du hast deine eMail-Adresse nicht angegeben!\r\nBitte gib sie zwecks Rückfragen ein!"),
             Msg::YesNo);
         if (a == Msg::Yes) {
             *focus = Focus::Text6;
@@ -227,12 +240,16 @@ bool Validate(Model& m, Dialogs& dialogs, const TimeSource& clock, StationForm& 
 
 QString NormalizeMemo(const QStringList& displayedLines, StationMode mode) {
     QStringList lines;
-    for (const QString& l : displayedLines) lines << l.left(256);
+    for (const QString& l : displayedLines)
+        lines << l.left(256);
     QString text = lines.join(QStringLiteral("\r\n"));
     for (;;) {
-        if (text.endsWith(QStringLiteral("\r\n"))) text.chop(2);
-        else if (text.endsWith(QLatin1Char('\n')) || text.endsWith(QLatin1Char('\r'))) text.chop(1);
-        else break;
+        if (text.endsWith(QStringLiteral("\r\n")))
+            text.chop(2);
+        else if (text.endsWith(QLatin1Char('\n')) || text.endsWith(QLatin1Char('\r')))
+            text.chop(1);
+        else
+            break;
     }
     if (mode == StationMode::Options) text = text.left(248);
     return text + QStringLiteral("\r\n");
@@ -296,11 +313,13 @@ bool Save(Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& 
     } else if (!f.combo5Rows.isEmpty()) {
         const QString typed = TrimBlanks(f.combo5Text);
         if (!f.combo5Rows.contains(typed)) f.combo5Rows << typed;
-        while (f.combo5Rows.size() >= 11) f.combo5Rows.removeLast();
+        while (f.combo5Rows.size() >= 11)
+            f.combo5Rows.removeLast();
         // The main window's box is cleared before each row: only the last stays, until
         // the caller refills it from the settings.
         if (hooks.setOperators)
-            for (const QString& row : f.combo5Rows) hooks.setOperators(QStringList{row}, QString());
+            for (const QString& row : f.combo5Rows)
+                hooks.setOperators(QStringList{row}, QString());
         IniWriteSection(m.IniPath, QStringLiteral("OPCALLs"), f.combo5Rows);
     }
     // 17
@@ -332,9 +351,10 @@ void ImportLastLog(Model& m, Dialogs& dialogs, StationForm& f) {
     });
     if (!read) return;
     const QString text = FromCp1252(bytes);
-    static const char* const kOrder[] = {"MYCALL",   "MYLOCATOR", "MYBZ",         "MYOMYL",    "MYOPCALL", "MYOPNAME",
-                                         "MYADRESS", "MYEMAIL",   "MYWERTUNGSST", "MYPWR",     "MYSTATION", "MYKOMMENT",
-                                         "MYEXAMDAT", "MYOPKLASS", "MYPLZ",       "MYCITY",    "MYNPOWER"};
+    static const char* const kOrder[] = {"MYCALL",    "MYLOCATOR", "MYBZ",      "MYOMYL",       "MYOPCALL",
+                                         "MYOPNAME",  "MYADRESS",  "MYEMAIL",   "MYWERTUNGSST", "MYPWR",
+                                         "MYSTATION", "MYKOMMENT", "MYEXAMDAT", "MYOPKLASS",    "MYPLZ",
+                                         "MYCITY",    "MYNPOWER"};
     for (const char* name : kOrder) {
         const QString tagName = QString::fromLatin1(name);
         const QString tag = QLatin1Char('[') + tagName + QLatin1Char(':');
@@ -357,21 +377,36 @@ void ImportLastLog(Model& m, Dialogs& dialogs, StationForm& f) {
             return;
         }
         const double n = std::trunc(*len);
-        const QString value = n > 0 ? text.mid(close + 1, qsizetype(std::min(n, double(text.size())))) : QString();
-        if (tagName == QLatin1String("MYCALL")) f.text1 = value;
-        else if (tagName == QLatin1String("MYLOCATOR")) f.text3 = value;
-        else if (tagName == QLatin1String("MYOMYL")) f.option1 = OptionValue(value, 2, f.option1);
-        else if (tagName == QLatin1String("MYOPCALL")) f.combo5Text = value;
-        else if (tagName == QLatin1String("MYOPNAME")) f.text4 = value;
-        else if (tagName == QLatin1String("MYADRESS")) f.text5 = value;
-        else if (tagName == QLatin1String("MYEMAIL")) f.text6 = value;
-        else if (tagName == QLatin1String("MYWERTUNGSST")) ClickOption2(f, OptionValue(value, 5, f.option2));
-        else if (tagName == QLatin1String("MYPWR")) f.option3 = OptionValue(value, 2, f.option3);
-        else if (tagName == QLatin1String("MYSTATION")) f.text7 = value;
-        else if (tagName == QLatin1String("MYKOMMENT")) f.text8 = value;
-        else if (tagName == QLatin1String("MYOPKLASS")) f.option4 = OptionValue(value, 3, f.option4);
-        else if (tagName == QLatin1String("MYPLZ")) f.text9 = value;
-        else if (tagName == QLatin1String("MYCITY")) f.text10 = value;
+        const QString value =
+            n > 0 ? text.mid(close + 1, qsizetype(std::min(n, double(text.size())))) : QString();
+        if (tagName == QLatin1String("MYCALL"))
+            f.text1 = value;
+        else if (tagName == QLatin1String("MYLOCATOR"))
+            f.text3 = value;
+        else if (tagName == QLatin1String("MYOMYL"))
+            f.option1 = OptionValue(value, 2, f.option1);
+        else if (tagName == QLatin1String("MYOPCALL"))
+            f.combo5Text = value;
+        else if (tagName == QLatin1String("MYOPNAME"))
+            f.text4 = value;
+        else if (tagName == QLatin1String("MYADRESS"))
+            f.text5 = value;
+        else if (tagName == QLatin1String("MYEMAIL"))
+            f.text6 = value;
+        else if (tagName == QLatin1String("MYWERTUNGSST"))
+            ClickOption2(f, OptionValue(value, 5, f.option2));
+        else if (tagName == QLatin1String("MYPWR"))
+            f.option3 = OptionValue(value, 2, f.option3);
+        else if (tagName == QLatin1String("MYSTATION"))
+            f.text7 = value;
+        else if (tagName == QLatin1String("MYKOMMENT"))
+            f.text8 = value;
+        else if (tagName == QLatin1String("MYOPKLASS"))
+            f.option4 = OptionValue(value, 3, f.option4);
+        else if (tagName == QLatin1String("MYPLZ"))
+            f.text9 = value;
+        else if (tagName == QLatin1String("MYCITY"))
+            f.text10 = value;
         else if (npower) {
             // The button is chosen by the tag's length, not its value: "Ja" for the
             // one-character value every log holds.
@@ -383,9 +418,10 @@ void ImportLastLog(Model& m, Dialogs& dialogs, StationForm& f) {
 
 bool OperatorListMayAdd(Dialogs& dialogs, const QStringList& rows) {
     if (rows.size() >= kMaxOperators) {
-        dialogs.MsgBox(QStringLiteral("Du must zuerst ein Rufzeichen löschen um ein neues eingeben zu können!\r\n"
-                                      "Es sind maximal 10 Rufzeichen möglich."),
-                       Msg::Information);
+        dialogs.MsgBox(
+            QStringLiteral("Du must zuerst ein Rufzeichen löschen um ein neues eingeben zu können!\r\n"
+                           "Es sind maximal 10 Rufzeichen möglich."),
+            Msg::Information);
         return false;
     }
     return true;
@@ -397,8 +433,10 @@ bool OperatorListTakeOver(Dialogs& dialogs, QStringList& rows, int editIndex, co
         dialogs.MsgBox(QStringLiteral("Rufzeichen muss mindestens 3 Zeichen lang sein!"), Msg::Critical);
         return false;
     }
-    if (editIndex < 0 || editIndex >= rows.size()) rows << call.toUpper();
-    else rows[editIndex] = call.toUpper();
+    if (editIndex < 0 || editIndex >= rows.size())
+        rows << call.toUpper();
+    else
+        rows[editIndex] = call.toUpper();
     return true;
 }
 
@@ -414,12 +452,15 @@ QStringList OperatorListDelete(Dialogs& dialogs, const QStringList& rows, const 
             left << rows[i];
             continue;
         }
-        const int a = dialogs.MsgBox(QStringLiteral("Möchtest du '%1' wirklich aus der Liste löschen?").arg(rows[i]),
-                                     Msg::YesNoCancel | Msg::Question);
+        const int a =
+            dialogs.MsgBox(QStringLiteral("Möchtest du '%1' wirklich aus der Liste löschen?").arg(rows[i]),
+                           Msg::YesNoCancel | Msg::Question);
         if (a == Msg::Yes) continue;
         left << rows[i];
-        if (a == Msg::Cancel) stop = true;
-        else dialogs.Beep();
+        if (a == Msg::Cancel)
+            stop = true;
+        else
+            dialogs.Beep();
     }
     return left;
 }

@@ -21,12 +21,12 @@ namespace kolibrino::setup {
 enum class StationMode { NewLog, Options };
 
 // Width limits of the fields.
-inline constexpr int kCallMax = 13;     // Text1, Combo5
-inline constexpr int kLocatorMax = 6;   // Text3
-inline constexpr int kNameMax = 70;     // Text4, Text5, Text10
-inline constexpr int kPlzMax = 10;      // Text9
-inline constexpr int kEmailMax = 250;   // Text6
-inline constexpr int kMemoMax = 20000;  // Text7, Text8
+inline constexpr int kCallMax = 13;    // Text1, Combo5
+inline constexpr int kLocatorMax = 6;  // Text3
+inline constexpr int kNameMax = 70;    // Text4, Text5, Text10
+inline constexpr int kPlzMax = 10;     // Text9
+inline constexpr int kEmailMax = 250;  // Text6
+inline constexpr int kMemoMax = 20000; // Text7, Text8
 inline constexpr int kMaxOperators = 10;
 
 // The contest manager's address, named in the emergency-power sentence.
@@ -36,25 +36,25 @@ QString EmergencyPowerText();
 
 // The controls of the window.
 struct StationForm {
-    QString text1;              // MYCALL
-    QString combo5Text;         // MYOPCALL
-    QStringList combo5Rows;     // the operator list
-    QString text3;              // MYLOCATOR
-    QString combo1Text;         // "WI - Wien"
-    int option1 = 0;            // OM / YL
-    int option4 = 0;            // Single-OP, Multi-OP, Checklog
-    int option2 = 0;            // scoring class
-    int option3 = 0;            // power class
-    int option5 = 0;            // emergency power: Nein / Ja
-    bool frame5Visible = false; // exam date shown (Newcomer)
-    QString combo2Text;         // day
-    int combo3Index = -1;       // month, list position (-1 blank)
-    QString combo4Text;         // year
+    QString text1;                              // MYCALL
+    QString combo5Text;                         // MYOPCALL
+    QStringList combo5Rows;                     // the operator list
+    QString text3;                              // MYLOCATOR
+    QString combo1Text;                         // "WI - Wien"
+    int option1 = 0;                            // OM / YL
+    int option4 = 0;                            // Single-OP, Multi-OP, Checklog
+    int option2 = 0;                            // scoring class
+    int option3 = 0;                            // power class
+    int option5 = 0;                            // emergency power: Nein / Ja
+    bool frame5Visible = false;                 // exam date shown (Newcomer)
+    QString combo2Text;                         // day
+    int combo3Index = -1;                       // month, list position (-1 blank)
+    QString combo4Text;                         // year
     QString text4, text5, text9, text10, text6; // name, address, postcode, city, mail
     // Text7 and Text8 as the control shows them: one entry per displayed line.
     QStringList text7Lines, text8Lines;
-    QString text7, text8;       // the controls' text after the save or an import
-    QString label10;            // the log's file name
+    QString text7, text8; // the controls' text after the save or an import
+    QString label10;      // the log's file name
 };
 
 // Where the focus goes after a failed check.

@@ -41,7 +41,9 @@ struct Env {
     Model& m = home.model;
 };
 
-QString Text1(QWidget& w) { return w.findChild<QLineEdit*>(QStringLiteral("Text1"))->text(); }
+QString Text1(QWidget& w) {
+    return w.findChild<QLineEdit*>(QStringLiteral("Text1"))->text();
+}
 
 } // namespace
 
@@ -102,20 +104,23 @@ private slots:
     void loadShowsTheStoredFolder() {
         Env e;
         QTemporaryDir target;
-        IniWrite(e.m.IniPath, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath"), target.path() + QLatin1Char('/'));
+        IniWrite(e.m.IniPath, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath"),
+                 target.path() + QLatin1Char('/'));
         IniWrite(e.m.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("SichernEA"), 1);
         SichernEinstellungen w(e.m, e.d);
         w.show();
         QCOMPARE(w.windowTitle(), QStringLiteral("Zusätzliches Sichern Einstellungen"));
         QVERIFY(w.findChild<QCheckBox*>(QStringLiteral("Check1"))->isChecked());
-        QCOMPARE(w.findChild<QCheckBox*>(QStringLiteral("Check1"))->text(), QStringLiteral("Zusätzliches &Sichern EIN"));
+        QCOMPARE(w.findChild<QCheckBox*>(QStringLiteral("Check1"))->text(),
+                 QStringLiteral("Zusätzliches &Sichern EIN"));
         QCOMPARE(Text1(w), target.path());
         QVERIFY(w.findChild<QLineEdit*>(QStringLiteral("Text1"))->isReadOnly());
         QCOMPARE(w.findChild<QComboBox*>(QStringLiteral("Drive1"))->itemText(0), QStringLiteral("/"));
         QTest::qWait(50);
         Shot(&w, QStringLiteral("SichernEinstellungen"));
         // A folder that has gone is not shown.
-        IniWrite(e.m.IniPath, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath"), QStringLiteral("/no/such/folder/"));
+        IniWrite(e.m.IniPath, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath"),
+                 QStringLiteral("/no/such/folder/"));
         SichernEinstellungen w2(e.m, e.d);
         QVERIFY(Text1(w2).isEmpty());
     }
@@ -131,7 +136,8 @@ private slots:
         QCOMPARE(e.d.boxes.size(), 1);
         QCOMPARE(e.d.boxes[0].text, QStringLiteral("Bitte einen Ordner auswählen!"));
         QCOMPARE(e.d.boxes[0].flags, int(Msg::Information));
-        QVERIFY(IniReadString(e.m.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("SichernEA")).isEmpty());
+        QVERIFY(IniReadString(e.m.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("SichernEA"))
+                    .isEmpty());
     }
 
     void okStoresFolderAndSwitch() {
@@ -145,7 +151,8 @@ private slots:
         });
         QCOMPARE(MnAutomatischesSichern(nullptr, e.m, e.d), std::optional<bool>(true));
         QCOMPARE(e.m.ExtraBackupPath, target.path() + QLatin1Char('/'));
-        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath")), target.path() + QLatin1Char('/'));
+        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath")),
+                 target.path() + QLatin1Char('/'));
         QCOMPARE(IniReadInt(e.m.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("SichernEA")), 1.0);
         const BackupSettings s = ReadBackupSettings(e.m);
         QVERIFY(s.enabled);
@@ -173,18 +180,26 @@ private slots:
     void newFolderNames_data() {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("box"); // empty: created
-        QTest::newRow("good") << "Kolibrino Sicherung" << "";
+        QTest::newRow("good") << "Kolibrino Sicherung"
+                              << "";
         QTest::newRow("umlaut") << QStringLiteral("Grüße") << "";
         QTest::newRow("250 characters") << QString(250, QLatin1Char('o')) << "";
         QTest::newRow("251 characters") << QString(251, QLatin1Char('o')) << "Ordnername ungültig";
-        QTest::newRow("slash") << "a/b" << "Ordnername ungültig";
-        QTest::newRow("backslash") << "a\\b" << "Ordnername ungültig";
-        QTest::newRow("colon") << "a:b" << "Ordnername ungültig";
-        QTest::newRow("bar") << "a|b" << "Ordnername ungültig";
-        QTest::newRow("quote") << "a\"b" << "Ordnername ungültig";
-        QTest::newRow("control") << "a\x1f" << "Ordnername ungültig";
+        QTest::newRow("slash") << "a/b"
+                               << "Ordnername ungültig";
+        QTest::newRow("backslash") << "a\\b"
+                                   << "Ordnername ungültig";
+        QTest::newRow("colon") << "a:b"
+                               << "Ordnername ungültig";
+        QTest::newRow("bar") << "a|b"
+                             << "Ordnername ungültig";
+        QTest::newRow("quote") << "a\"b"
+                               << "Ordnername ungültig";
+        QTest::newRow("control") << "a\x1f"
+                                 << "Ordnername ungültig";
         QTest::newRow("above 255") << QStringLiteral("a\u20ac") << "Ordnername ungültig";
-        QTest::newRow("exists") << "schon" << "Ordner existiert bereits!";
+        QTest::newRow("exists") << "schon"
+                                << "Ordner existiert bereits!";
     }
     void newFolderNames() {
         QFETCH(QString, name);
@@ -237,11 +252,14 @@ private slots:
         int timer3 = 0;
         hooks.armBackupTimer = [&] { ++timer3; };
         hooks.autoBackupChecked = [] { return true; };
-        PushModalDriver([](QDialog& d) { QTest::mouseClick(d.findChild<QPushButton*>(QStringLiteral("Command4")), Qt::LeftButton); });
+        PushModalDriver([](QDialog& d) {
+            QTest::mouseClick(d.findChild<QPushButton*>(QStringLiteral("Command4")), Qt::LeftButton);
+        });
         MnLogoptionen(nullptr, e.m, e.d, clock, hooks);
         QCOMPARE(timer3, 1);
         QVERIFY(e.d.boxes.isEmpty());
-        QCOMPARE(ReadBytes(target.path() + QStringLiteral("/A.KOLBO")), ReadBytes(e.m.LogFolder + QStringLiteral("A.KOLBO")));
+        QCOMPARE(ReadBytes(target.path() + QStringLiteral("/A.KOLBO")),
+                 ReadBytes(e.m.LogFolder + QStringLiteral("A.KOLBO")));
         QVERIFY(!QFile::exists(target.path() + QStringLiteral("/A.KOLBO.ALT")));
     }
 };

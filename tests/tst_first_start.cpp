@@ -70,7 +70,8 @@ private slots:
         {
             Model m;
             Prepare(m);
-            for (const char* sub : {"Logs", "Sicherung", "Tmp"}) QVERIFY(QFileInfo(home + QLatin1Char('/') + QLatin1String(sub)).isDir());
+            for (const char* sub : {"Logs", "Sicherung", "Tmp"})
+                QVERIFY(QFileInfo(home + QLatin1Char('/') + QLatin1String(sub)).isDir());
             QVERIFY(QFile::exists(home + QStringLiteral("/bez_koord.txt")));
             QVERIFY(!QFile::exists(m.IniPath));
 
@@ -88,8 +89,10 @@ private slots:
             PushModalDriver([&](QDialog& dlg) {
                 QCOMPARE(dlg.objectName(), QStringLiteral("StationLog"));
                 QVERIFY(dlg.findChild<QPushButton*>(QStringLiteral("Command13"))->isVisible());
-                QTest::keyClicks(dlg.findChild<QLineEdit*>(QStringLiteral("Text1")), QStringLiteral("oe1new"));
-                QTest::keyClicks(dlg.findChild<QComboBox*>(QStringLiteral("Combo5"))->lineEdit(), QStringLiteral("oe1new"));
+                QTest::keyClicks(dlg.findChild<QLineEdit*>(QStringLiteral("Text1")),
+                                 QStringLiteral("oe1new"));
+                QTest::keyClicks(dlg.findChild<QComboBox*>(QStringLiteral("Combo5"))->lineEdit(),
+                                 QStringLiteral("oe1new"));
                 dlg.findChild<QComboBox*>(QStringLiteral("Combo1"))->setCurrentIndex(0);
                 dlg.findChild<QLineEdit*>(QStringLiteral("Text4"))->setText(QStringLiteral("Neu Ling"));
                 dlg.findChild<QLineEdit*>(QStringLiteral("Text6"))->setText(QStringLiteral("neu@example.at"));
@@ -132,12 +135,15 @@ private slots:
             QCOMPARE(m.LogRecords[0].Call, QStringLiteral("OE3ABC"));
             const QByteArray file = ReadBytes(m.LogFolder + name);
             QVERIFY(file.startsWith(header));
-            QVERIFY(file.mid(header.size()).startsWith("OE3ABC\xb6" "80\xb6"));
+            QVERIFY(file.mid(header.size())
+                        .startsWith("OE3ABC\xb6"
+                                    "80\xb6"));
             Shot(&w, QStringLiteral("FirstStart_Main"));
 
             // Reopen the last log at the next start.
             w.Action(QStringLiteral("MnLastLogOpen"))->trigger();
-            QCOMPARE(IniReadInt(m.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")), -1.0);
+            QCOMPARE(IniReadInt(m.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")),
+                     -1.0);
             w.close();
         }
 
@@ -193,12 +199,14 @@ private slots:
         }
         HauptForm w(m, d, clock);
         InstallLogSetup(w, m, d, clock);
-        PushModalDriver([](QDialog& dlg) { static_cast<LogNewOpen&>(dlg).OpenRow(QStringLiteral("A.KOLBO")); });
+        PushModalDriver(
+            [](QDialog& dlg) { static_cast<LogNewOpen&>(dlg).OpenRow(QStringLiteral("A.KOLBO")); });
         QVERIFY(w.Load());
         for (const char* entry : {"MnNeuesLog", "MnOpenLog", "MnLogoptionen", "MnAutomatischesSichern"})
             QVERIFY2(w.Action(QString::fromLatin1(entry))->isEnabled(), entry);
         // "Log Öffnen" switches to B.
-        PushModalDriver([](QDialog& dlg) { static_cast<LogNewOpen&>(dlg).OpenRow(QStringLiteral("B.KOLBO")); });
+        PushModalDriver(
+            [](QDialog& dlg) { static_cast<LogNewOpen&>(dlg).OpenRow(QStringLiteral("B.KOLBO")); });
         w.Action(QStringLiteral("MnOpenLog"))->trigger();
         QCOMPARE(m.CurrentLogName, QStringLiteral("B.KOLBO"));
         QCOMPARE(m.Header.MYCALL, QStringLiteral("OE1DEF"));

@@ -54,8 +54,12 @@ struct Env {
     QStringList Logs() const { return ListLogs(m.LogFolder); }
 };
 
-QListWidget* List(QWidget& w) { return w.findChild<QListWidget*>(QStringLiteral("File1")); }
-QPushButton* Btn(QWidget& w, const char* name) { return w.findChild<QPushButton*>(QString::fromLatin1(name)); }
+QListWidget* List(QWidget& w) {
+    return w.findChild<QListWidget*>(QStringLiteral("File1"));
+}
+QPushButton* Btn(QWidget& w, const char* name) {
+    return w.findChild<QPushButton*>(QString::fromLatin1(name));
+}
 
 void Select(QListWidget* list, const QStringList& names) {
     list->clearSelection();
@@ -65,7 +69,8 @@ void Select(QListWidget* list, const QStringList& names) {
 
 QStringList Texts(const ScriptedDialogs& d) {
     QStringList t;
-    for (const ShownBox& b : d.boxes) t << b.text;
+    for (const ShownBox& b : d.boxes)
+        t << b.text;
     return t;
 }
 
@@ -124,7 +129,8 @@ private slots:
     void missingLastLogLeavesLabelEmptyAndClickBeeps() {
         Env e;
         e.MakeLog(QStringLiteral("A.KOLBO"));
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("gone.KOLBO"));
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("gone.KOLBO"));
         e.m.CurrentLogName = QStringLiteral("before.KOLBO");
         LogNewOpen w(e.m, e.d, e.clock, {}, LogNewOpen::Mode::Start);
         w.show();
@@ -152,7 +158,8 @@ private slots:
         QFETCH(bool, passes);
         const QString name(length, QLatin1Char('N'));
         QCOMPARE(CheckRenameName(name).isEmpty(), passes);
-        if (!passes) QCOMPARE(CheckRenameName(name), QStringLiteral("Dateiname zu lang!\r\nÄndern nicht möglich."));
+        if (!passes)
+            QCOMPARE(CheckRenameName(name), QStringLiteral("Dateiname zu lang!\r\nÄndern nicht möglich."));
 
         // Through the window: a name too long ends the event with the box.
         Env e;
@@ -171,8 +178,10 @@ private slots:
         ScriptedDialogs d2;
         d2.AnswerInput(name);
         ChooseFileName(e.m, d2, e.clock, f);
-        if (passes) QCOMPARE(f.label10, name + QStringLiteral(".KOLBO"));
-        else QCOMPARE(d2.LastBox()->text, QStringLiteral("Dateiname ungültig"));
+        if (passes)
+            QCOMPARE(f.label10, name + QStringLiteral(".KOLBO"));
+        else
+            QCOMPARE(d2.LastBox()->text, QStringLiteral("Dateiname ungültig"));
     }
 
     void renameAlwaysAppendsTheExtension() {
@@ -185,8 +194,8 @@ private slots:
         e.d.AnswerInput(QStringLiteral("  Neu.KOLBO  "));
         e.d.AnswerInput(QStringLiteral("Zwei"));
         QTest::mouseClick(Btn(w, "Command1"), Qt::LeftButton);
-        QCOMPARE(e.d.prompts,
-                 (QStringList{QStringLiteral("Namen für das Log eingeben/ändern"), QStringLiteral("Namen für das Log eingeben/ändern")}));
+        QCOMPARE(e.d.prompts, (QStringList{QStringLiteral("Namen für das Log eingeben/ändern"),
+                                           QStringLiteral("Namen für das Log eingeben/ändern")}));
         QCOMPARE(e.Logs(), (QStringList{QStringLiteral("Neu.KOLBO.KOLBO"), QStringLiteral("Zwei.KOLBO")}));
         QCOMPARE(List(w)->count(), 2); // refreshed
         QVERIFY(e.d.boxes.isEmpty());
@@ -195,11 +204,15 @@ private slots:
     void renameRefusals_data() {
         QTest::addColumn<QString>("answer");
         QTest::addColumn<QString>("box");
-        QTest::newRow("slash") << "a/b" << "Dateiname ungültig!\r\nÄndern nicht möglich.";
-        QTest::newRow("star") << "a*" << "Dateiname ungültig!\r\nÄndern nicht möglich.";
-        QTest::newRow("tab") << "a\tb" << "Dateiname ungültig!\r\nÄndern nicht möglich.";
+        QTest::newRow("slash") << "a/b"
+                               << "Dateiname ungültig!\r\nÄndern nicht möglich.";
+        QTest::newRow("star") << "a*"
+                              << "Dateiname ungültig!\r\nÄndern nicht möglich.";
+        QTest::newRow("tab") << "a\tb"
+                             << "Dateiname ungültig!\r\nÄndern nicht möglich.";
         QTest::newRow("euro") << QStringLiteral("a\u20ac") << "Dateiname ungültig!\r\nÄndern nicht möglich.";
-        QTest::newRow("exists") << "B" << "Datei existiert bereits!\r\nÄndern nicht möglich.";
+        QTest::newRow("exists") << "B"
+                                << "Datei existiert bereits!\r\nÄndern nicht möglich.";
     }
     void renameRefusals() {
         QFETCH(QString, answer);
@@ -234,10 +247,12 @@ private slots:
 
     void deleteAsksYesNoCancelForEachRow() {
         Env e;
-        for (const char* n : {"A.KOLBO", "B.KOLBO", "C.KOLBO", "D.KOLBO"}) e.MakeLog(QString::fromLatin1(n));
+        for (const char* n : {"A.KOLBO", "B.KOLBO", "C.KOLBO", "D.KOLBO"})
+            e.MakeLog(QString::fromLatin1(n));
         LogNewOpen w(e.m, e.d, e.clock, {}, LogNewOpen::Mode::Start);
         w.show();
-        Select(List(w), {QStringLiteral("A.KOLBO"), QStringLiteral("B.KOLBO"), QStringLiteral("C.KOLBO"), QStringLiteral("D.KOLBO")});
+        Select(List(w), {QStringLiteral("A.KOLBO"), QStringLiteral("B.KOLBO"), QStringLiteral("C.KOLBO"),
+                         QStringLiteral("D.KOLBO")});
         e.d.AnswerMsgBox(Msg::Yes);
         e.d.AnswerMsgBox(Msg::No);
         e.d.AnswerMsgBox(Msg::Cancel);
@@ -246,7 +261,8 @@ private slots:
         QCOMPARE(e.d.boxes[0].text, QStringLiteral("Möchtest du das Log\r\nA.KOLBO\r\nwirklich löschen?"));
         QCOMPARE(e.d.boxes[0].flags, 35);
         QCOMPARE(e.d.beeps, 1);
-        QCOMPARE(e.Logs(), (QStringList{QStringLiteral("B.KOLBO"), QStringLiteral("C.KOLBO"), QStringLiteral("D.KOLBO")}));
+        QCOMPARE(e.Logs(), (QStringList{QStringLiteral("B.KOLBO"), QStringLiteral("C.KOLBO"),
+                                        QStringLiteral("D.KOLBO")}));
         QCOMPARE(List(w)->count(), 3);
     }
 
@@ -270,8 +286,10 @@ private slots:
                                           QStringLiteral("Es wurde(n) '2' Datei(en) Kopiert")}));
         QCOMPARE(e.d.boxes[0].flags, 67);
         QCOMPARE(ReadBytes(target.path() + QStringLiteral("/B.KOLBO")), QByteArray("old"));
-        QCOMPARE(ReadBytes(target.path() + QStringLiteral("/C.KOLBO")), ReadBytes(e.m.LogFolder + QStringLiteral("C.KOLBO")));
-        QCOMPARE(ReadBytes(target.path() + QStringLiteral("/A.KOLBO")), ReadBytes(e.m.LogFolder + QStringLiteral("A.KOLBO")));
+        QCOMPARE(ReadBytes(target.path() + QStringLiteral("/C.KOLBO")),
+                 ReadBytes(e.m.LogFolder + QStringLiteral("C.KOLBO")));
+        QCOMPARE(ReadBytes(target.path() + QStringLiteral("/A.KOLBO")),
+                 ReadBytes(e.m.LogFolder + QStringLiteral("A.KOLBO")));
     }
 
     void copyCancelStillReportsTheCount() {
@@ -320,18 +338,22 @@ private slots:
         QCOMPARE(e.m.CurrentLogName, QStringLiteral("B.KOLBO"));
         QCOMPARE(w.result(), int(QDialog::Accepted));
         QVERIFY(!w.isVisible());
-        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")), QStringLiteral("B.KOLBO"));
+        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")),
+                 QStringLiteral("B.KOLBO"));
     }
 
     void clickOnLastLogOpensIt() {
         Env e;
         e.MakeLog(QStringLiteral("A.KOLBO"));
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("A.KOLBO"));
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("A.KOLBO"));
         LogNewOpen w(e.m, e.d, e.clock, {}, LogNewOpen::Mode::Start);
         QCOMPARE(w.LastLog(), QStringLiteral("A.KOLBO"));
         QCOMPARE(ExecModal(w), int(QDialog::Rejected)); // no driver: the operator closes it
         QVERIFY(e.m.CurrentLogName.isEmpty());
-        PushModalDriver([](QDialog& d) { QTest::mouseClick(d.findChild<QLabel*>(QStringLiteral("Label2")), Qt::LeftButton); });
+        PushModalDriver([](QDialog& d) {
+            QTest::mouseClick(d.findChild<QLabel*>(QStringLiteral("Label2")), Qt::LeftButton);
+        });
         LogNewOpen w2(e.m, e.d, e.clock, {}, LogNewOpen::Mode::Start);
         QCOMPARE(ExecModal(w2), int(QDialog::Accepted));
         QCOMPARE(e.m.CurrentLogName, QStringLiteral("A.KOLBO"));
@@ -340,7 +362,8 @@ private slots:
     void lastLogOpenSettingOpensAtFirstActivation() {
         Env e;
         e.MakeLog(QStringLiteral("A.KOLBO"));
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("A.KOLBO"));
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("A.KOLBO"));
         IniWrite(e.m.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen"), -1);
         LogNewOpen w(e.m, e.d, e.clock, {}, LogNewOpen::Mode::Start);
         QCOMPARE(ExecModal(w), int(QDialog::Accepted));
@@ -366,12 +389,14 @@ private slots:
         Env e;
         e.MakeLog(QStringLiteral("ZEFT_OE1XYZ_20250501.KOLBO"));
         e.MakeLog(QStringLiteral("ZEFT_OE3ABC_20260501.KOLBO"));
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("ZEFT_OE3ABC_20260501.KOLBO"));
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("ZEFT_OE3ABC_20260501.KOLBO"));
         LogNewOpen w(e.m, e.d, e.clock, {}, LogNewOpen::Mode::Start);
         w.show();
         QTest::qWait(20);
         auto* label1 = w.findChild<QLabel*>(QStringLiteral("Label1"));
-        QCOMPARE(label1->text(), QStringLiteral("Bestehende Kontest-Logs in\n") + QDir::toNativeSeparators(e.m.LogFolder));
+        QCOMPARE(label1->text(),
+                 QStringLiteral("Bestehende Kontest-Logs in\n") + QDir::toNativeSeparators(e.m.LogFolder));
         QPushButton* c5 = Btn(w, "Command5");
         QCOMPARE(c5->text(), QStringLiteral(">>"));
         QCOMPARE(c5->toolTip(), QStringLiteral("Log-Erweitert"));
@@ -405,7 +430,8 @@ private slots:
         r.Mode = QStringLiteral("SSB");
         tmp.LogRecords = {r};
         WriteBytes(e.m.LogFolder + QStringLiteral("A.KOLBO"), Cp(BuildLogText(tmp, false, 2026)));
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("A.KOLBO"));
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("A.KOLBO"));
         ScriptedDialogs probe;
         probe.AnswerMsgBox(Msg::No);
         QCOMPARE(int(SameDayWarning(e.m, probe, e.clock)), int(SameDay::NewLog));
@@ -426,7 +452,8 @@ private slots:
     void newLogThroughStationLogClosesTheManager() {
         Env e;
         e.MakeLog(QStringLiteral("OLD.KOLBO"));
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("OLD.KOLBO"));
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("OLD.KOLBO"));
         bool importShown = false;
         PushModalDriver([](QDialog& d) {
             QCOMPARE(d.objectName(), QStringLiteral("LogNewOpen"));
@@ -437,7 +464,8 @@ private slots:
             importShown = d.findChild<QPushButton*>(QStringLiteral("Command13"))->isVisible();
             auto& s = static_cast<StationLog&>(d);
             QTest::keyClicks(d.findChild<QLineEdit*>(QStringLiteral("Text1")), QStringLiteral("oe1new"));
-            QTest::keyClicks(d.findChild<QComboBox*>(QStringLiteral("Combo5"))->lineEdit(), QStringLiteral("oe1new"));
+            QTest::keyClicks(d.findChild<QComboBox*>(QStringLiteral("Combo5"))->lineEdit(),
+                             QStringLiteral("oe1new"));
             d.findChild<QComboBox*>(QStringLiteral("Combo1"))->setCurrentIndex(0);
             d.findChild<QLineEdit*>(QStringLiteral("Text6"))->setText(QStringLiteral("a@b.at"));
             s.SaveClicked(); // no file name yet: asks for one
@@ -449,7 +477,8 @@ private slots:
         QVERIFY(importShown);
         QCOMPARE(e.m.CurrentLogName, QStringLiteral("NEU.KOLBO"));
         QCOMPARE(w.LastLog(), QStringLiteral("NEU.KOLBO"));
-        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")), QStringLiteral("NEU.KOLBO"));
+        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")),
+                 QStringLiteral("NEU.KOLBO"));
         QVERIFY(QFile::exists(e.m.LogFolder + QStringLiteral("NEU.KOLBO")));
         QVERIFY(!e.m.LogChanged); // the manager was told instead
         QCOMPARE(e.d.boxes.size(), 1);

@@ -133,7 +133,8 @@ private slots:
         e.clock.Set(QDateTime(today, QTime(15, 0)));
         const QString datum = e.m.Formats.RecordDate(today);
         std::vector<QsoRecord> many;
-        for (int i = 0; i < 40; ++i) many.push_back(Contact(QStringLiteral("OE3A%1").arg(i), datum));
+        for (int i = 0; i < 40; ++i)
+            many.push_back(Contact(QStringLiteral("OE3A%1").arg(i), datum));
         e.MakeLog(QStringLiteral("A.KOLBO"), many);
         e.SetLast(QStringLiteral("A.KOLBO"));
         int reads = 0;
@@ -149,8 +150,9 @@ private slots:
     // On 1 May a last log that holds only old dates gives no warning.
     void oldDatesOnTheContestDayGiveNoWarning() {
         Env e;
-        e.MakeLog(QStringLiteral("A.KOLBO"), {Contact(QStringLiteral("OE3ABC"), QStringLiteral("01.05.2025")),
-                                              Contact(QStringLiteral("OE3ABD"), QStringLiteral("30.04.2026"))});
+        e.MakeLog(QStringLiteral("A.KOLBO"),
+                  {Contact(QStringLiteral("OE3ABC"), QStringLiteral("01.05.2025")),
+                   Contact(QStringLiteral("OE3ABD"), QStringLiteral("30.04.2026"))});
         e.SetLast(QStringLiteral("A.KOLBO"));
         int reads = 0;
         const FileReader counting = [&](const QString& path, bool* ok) {
@@ -173,7 +175,8 @@ private slots:
         QFETCH(int, answer);
         QFETCH(int, expected);
         Env e;
-        e.MakeLog(QStringLiteral("A.KOLBO"), {Contact(QStringLiteral("OE3ABC"), QStringLiteral("01.05.2026"))});
+        e.MakeLog(QStringLiteral("A.KOLBO"),
+                  {Contact(QStringLiteral("OE3ABC"), QStringLiteral("01.05.2026"))});
         e.SetLast(QStringLiteral("A.KOLBO"));
         e.d.AnswerMsgBox(answer);
         QString last;
@@ -181,10 +184,11 @@ private slots:
         QCOMPARE(e.d.boxes.size(), 1);
         QCOMPARE(e.d.boxes[0].flags, 67);
         QCOMPARE(e.d.boxes[0].text,
-                 QStringLiteral("Du hast heute bereits Stationen geloggt.\r\n\r\nDu musst Contestperiode 1 und 2 \r\n"
-                                "(VORMITTAG und NACHMITTAG)\r\nin das selbe Log eintragen.\r\n"
-                                "Du erleichterst damit die Auswertung!\r\n\r\nJA = Zuletzt verwendetes Log laden\r\n"
-                                "NEIN = Neues Log anlegen\r\nAbbrechen = Zurück zum vorherigen Fenster"));
+                 QStringLiteral(
+                     "Du hast heute bereits Stationen geloggt.\r\n\r\nDu musst Contestperiode 1 und 2 \r\n"
+                     "(VORMITTAG und NACHMITTAG)\r\nin das selbe Log eintragen.\r\n"
+                     "Du erleichterst damit die Auswertung!\r\n\r\nJA = Zuletzt verwendetes Log laden\r\n"
+                     "NEIN = Neues Log anlegen\r\nAbbrechen = Zurück zum vorherigen Fenster"));
         if (expected == int(SameDay::TakeLastLog)) QCOMPARE(last, QStringLiteral("A.KOLBO"));
     }
 
@@ -201,8 +205,9 @@ private slots:
     // MnOpenLog with the same name chosen again leaves grid, counters and order untouched.
     void openingTheOpenLogAgainChangesNothing() {
         Env e;
-        e.MakeLog(QStringLiteral("A.KOLBO"), {Contact(QStringLiteral("OE3B"), QStringLiteral("01.05.2026"), QStringLiteral("GZ")),
-                                              Contact(QStringLiteral("OE3A"), QStringLiteral("01.05.2026"))});
+        e.MakeLog(QStringLiteral("A.KOLBO"),
+                  {Contact(QStringLiteral("OE3B"), QStringLiteral("01.05.2026"), QStringLiteral("GZ")),
+                   Contact(QStringLiteral("OE3A"), QStringLiteral("01.05.2026"))});
         e.MakeLog(QStringLiteral("B.KOLBO"), {});
         e.Open(QStringLiteral("A.KOLBO"));
         std::swap(e.m.LogRecords[0], e.m.LogRecords[1]); // as a sort of the grid leaves them
@@ -222,7 +227,8 @@ private slots:
         Env e;
         e.MakeLog(QStringLiteral("A.KOLBO"), {Contact(QStringLiteral("OE3A"), QStringLiteral("01.05.2026"))});
         e.MakeLog(QStringLiteral("STATE.KOLBO"),
-                  {Contact(QStringLiteral("OEY21"), QStringLiteral("01.05.2026")), Contact(QStringLiteral("OE6X"), QStringLiteral("01.05.2026"), QStringLiteral("GZ"))},
+                  {Contact(QStringLiteral("OEY21"), QStringLiteral("01.05.2026")),
+                   Contact(QStringLiteral("OE6X"), QStringLiteral("01.05.2026"), QStringLiteral("GZ"))},
                   4, QStringLiteral("OEY99"));
         e.Open(QStringLiteral("A.KOLBO"));
         e.m.Open.Frequenz = true;
@@ -232,14 +238,17 @@ private slots:
             static_cast<LogNewOpen&>(d).OpenRow(QStringLiteral("STATE.KOLBO"));
         });
         QCOMPARE(int(MnOpenLog(nullptr, e.m, e.d, e.clock, e.rec.Hooks())), int(SwitchResult::Switched));
-        QCOMPARE(e.rec.calls, (QStringList{QStringLiteral("clearGrid"), QStringLiteral("fillGrid"),
-                                           QStringLiteral("showStation WI OEY99 OEY99"), QStringLiteral("applyBandDefault"),
-                                           QStringLiteral("refreshSideWindows"), QStringLiteral("setTitle")}));
+        QCOMPARE(
+            e.rec.calls,
+            (QStringList{QStringLiteral("clearGrid"), QStringLiteral("fillGrid"),
+                         QStringLiteral("showStation WI OEY99 OEY99"), QStringLiteral("applyBandDefault"),
+                         QStringLiteral("refreshSideWindows"), QStringLiteral("setTitle")}));
         QCOMPARE(e.rec.title, QStringLiteral("Kolibrino (") + e.m.LogFolder + QStringLiteral("STATE.KOLBO)"));
         QVERIFY(e.m.IsStaatsfunkstelle);
         QCOMPARE(e.m.QsoCount, 2.0);
         QCOMPARE(e.m.LogRecords.size(), size_t(2));
-        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")), QStringLiteral("STATE.KOLBO"));
+        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")),
+                 QStringLiteral("STATE.KOLBO"));
     }
 
     // Cancelling StationLog from MnNeuesLog leaves the current log in place.
@@ -275,7 +284,8 @@ private slots:
         e.Open(QStringLiteral("A.KOLBO"));
         PushModalDriver([&](QDialog& d) {
             QTest::keyClicks(d.findChild<QLineEdit*>(QStringLiteral("Text1")), QStringLiteral("oe3neu"));
-            QTest::keyClicks(d.findChild<QComboBox*>(QStringLiteral("Combo5"))->lineEdit(), QStringLiteral("oe3neu"));
+            QTest::keyClicks(d.findChild<QComboBox*>(QStringLiteral("Combo5"))->lineEdit(),
+                             QStringLiteral("oe3neu"));
             d.findChild<QComboBox*>(QStringLiteral("Combo1"))->setCurrentIndex(1);
             d.findChild<QLineEdit*>(QStringLiteral("Text6"))->setText(QStringLiteral("neu@example.at"));
             e.d.AnswerInput(QStringLiteral("NEU"));
@@ -289,9 +299,12 @@ private slots:
         QCOMPARE(e.m.Header.MYBZ, QStringLiteral("MD"));
         QVERIFY(!e.m.LogChanged);
         QCOMPARE(e.m.QsoCount, 0.0);
-        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")), QStringLiteral("NEU.KOLBO"));
-        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastNewLogFile")), QStringLiteral("NEU.KOLBO"));
-        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastNewLogDate")), QStringLiteral("20260303"));
+        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")),
+                 QStringLiteral("NEU.KOLBO"));
+        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastNewLogFile")),
+                 QStringLiteral("NEU.KOLBO"));
+        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastNewLogDate")),
+                 QStringLiteral("20260303"));
         QVERIFY(e.rec.calls.contains(QStringLiteral("showStation MD OE3NEU OE3NEU")));
     }
 
@@ -328,7 +341,8 @@ private slots:
     // an empty grid.
     void corruptFileRetryThenSameNameStopsWithEmptyGrid() {
         Env e;
-        e.MakeLog(QStringLiteral("GOOD.KOLBO"), {Contact(QStringLiteral("OE3A"), QStringLiteral("01.05.2026"))});
+        e.MakeLog(QStringLiteral("GOOD.KOLBO"),
+                  {Contact(QStringLiteral("OE3A"), QStringLiteral("01.05.2026"))});
         WriteBytes(e.m.LogFolder + QStringLiteral("BAD.KOLBO"), "no log at all\r\n");
         e.Open(QStringLiteral("GOOD.KOLBO"));
         PickRow(QStringLiteral("BAD.KOLBO"));
@@ -337,8 +351,10 @@ private slots:
         QCOMPARE(int(MnOpenLog(nullptr, e.m, e.d, e.clock, e.rec.Hooks())), int(SwitchResult::Unchanged));
         QCOMPARE(PendingModalDrivers(), 0); // the dialog came twice
         QCOMPARE(e.d.boxes.size(), 1);
-        QCOMPARE(e.d.boxes[0].text, QStringLiteral("Die Datei\r\n") + QDir::toNativeSeparators(e.m.LogFolder + QStringLiteral("BAD.KOLBO")) +
-                                        QStringLiteral("\r\nist fehlerhaft oder keine gültige Kolibrino Logdatei!"));
+        QCOMPARE(e.d.boxes[0].text,
+                 QStringLiteral("Die Datei\r\n") +
+                     QDir::toNativeSeparators(e.m.LogFolder + QStringLiteral("BAD.KOLBO")) +
+                     QStringLiteral("\r\nist fehlerhaft oder keine gültige Kolibrino Logdatei!"));
         QCOMPARE(e.d.boxes[0].flags, 21);
         QCOMPARE(e.m.CurrentLogName, QStringLiteral("BAD.KOLBO"));
         QVERIFY(e.m.LogRecords.empty());
@@ -355,7 +371,8 @@ private slots:
         QFETCH(bool, fromOpenLog);
         Env e;
         e.clock.Set(QDateTime(QDate(2026, 3, 3), QTime(10, 0)));
-        e.MakeLog(QStringLiteral("GOOD.KOLBO"), {Contact(QStringLiteral("OE3A"), QStringLiteral("01.05.2026"))});
+        e.MakeLog(QStringLiteral("GOOD.KOLBO"),
+                  {Contact(QStringLiteral("OE3A"), QStringLiteral("01.05.2026"))});
         WriteBytes(e.m.LogFolder + QStringLiteral("BAD.KOLBO"), "no log at all\r\n");
         e.Open(QStringLiteral("GOOD.KOLBO"));
         e.d.AnswerMsgBox(Msg::Cancel);

@@ -11,8 +11,8 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QKeyEvent>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -50,9 +50,15 @@ template <typename T> T* Get(QWidget& w, const QString& name) {
     if (!c) qWarning("no control %s", qPrintable(name));
     return c;
 }
-QLineEdit* Edit(QWidget& w, const char* n) { return Get<QLineEdit>(w, QString::fromLatin1(n)); }
-QComboBox* Combo(QWidget& w, const char* n) { return Get<QComboBox>(w, QString::fromLatin1(n)); }
-QPushButton* Btn(QWidget& w, const char* n) { return Get<QPushButton>(w, QString::fromLatin1(n)); }
+QLineEdit* Edit(QWidget& w, const char* n) {
+    return Get<QLineEdit>(w, QString::fromLatin1(n));
+}
+QComboBox* Combo(QWidget& w, const char* n) {
+    return Get<QComboBox>(w, QString::fromLatin1(n));
+}
+QPushButton* Btn(QWidget& w, const char* n) {
+    return Get<QPushButton>(w, QString::fromLatin1(n));
+}
 QRadioButton* Opt(QWidget& w, const char* group, int i) {
     return Get<QRadioButton>(w, QStringLiteral("%1_%2").arg(QString::fromLatin1(group)).arg(i));
 }
@@ -66,7 +72,7 @@ void ClickOpt(QWidget& w, const char* group, int i) {
 // Types text key by key, as a keyboard with umlauts would.
 void Type(QWidget* w, const QString& text) {
     for (const QChar c : text) {
-        const int key = c.unicode() < 128 ? c.toUpper().unicode() : Qt::Key_unknown;
+        const int key = c.unicode() < 128 ? int(c.toUpper().unicode()) : int(Qt::Key_unknown);
         QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(c));
         QApplication::sendEvent(w, &press);
         QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, QString(c));
@@ -91,7 +97,10 @@ QsoRecord Contact(int i) {
     r.Band = i % 3 == 0 ? 40 : 80;
     r.Bezirk = QString::fromLatin1(bz[i % 5]);
     r.Datum = QStringLiteral("01.05.2026");
-    r.Zeit = QStringLiteral("%1:%2:%3").arg(5 + i / 20, 2, 10, QLatin1Char('0')).arg(i % 60, 2, 10, QLatin1Char('0')).arg(i % 7, 2, 10, QLatin1Char('0'));
+    r.Zeit = QStringLiteral("%1:%2:%3")
+                 .arg(5 + i / 20, 2, 10, QLatin1Char('0'))
+                 .arg(i % 60, 2, 10, QLatin1Char('0'))
+                 .arg(i % 7, 2, 10, QLatin1Char('0'));
     r.RstGesendet = QStringLiteral("59");
     r.RstEmpfangen = i % 4 ? QStringLiteral("59") : QStringLiteral("57");
     r.Qsl = i % 2;
@@ -147,11 +156,15 @@ private slots:
         QCOMPARE(Combo(s, "Combo5")->currentText(), QStringLiteral("OE1ABCDEFGHIJ"));
         QCOMPARE(Get<QGroupBox>(s, QStringLiteral("Frame1"))->title(), QStringLiteral("Pflichtfelder"));
         QCOMPARE(Get<QGroupBox>(s, QStringLiteral("Frame2"))->title(), QStringLiteral("Optionale Angaben"));
-        QCOMPARE(Get<QGroupBox>(s, QStringLiteral("Frame5"))->title(), QStringLiteral("Datum der Lizenzprüfung (max. vor 3 Jahren)"));
-        QCOMPARE(Get<QGroupBox>(s, QStringLiteral("Frame7"))->title(), QStringLiteral("Operatorrufzeichenliste bearbeiten..."));
+        QCOMPARE(Get<QGroupBox>(s, QStringLiteral("Frame5"))->title(),
+                 QStringLiteral("Datum der Lizenzprüfung (max. vor 3 Jahren)"));
+        QCOMPARE(Get<QGroupBox>(s, QStringLiteral("Frame7"))->title(),
+                 QStringLiteral("Operatorrufzeichenliste bearbeiten..."));
         QCOMPARE(Get<QLabel>(s, QStringLiteral("Label14"))->text(),
-                 QStringLiteral("Die Station wurde in beiden Contestperioden unabhängig vom öffentlichen Stromnetz betrieben.\n"
-                                "Dies zählt +2 Multiplikatorpunkte.\nBei Notstrombetrieb sind Fotos der Anlage an  ") +
+                 QStringLiteral(
+                     "Die Station wurde in beiden Contestperioden unabhängig vom öffentlichen Stromnetz "
+                     "betrieben.\n"
+                     "Dies zählt +2 Multiplikatorpunkte.\nBei Notstrombetrieb sind Fotos der Anlage an  ") +
                      ContestManagerMail() + QStringLiteral("  zu senden!"));
         QCOMPARE(Opt(s, "Option2", 4)->text(), QStringLiteral("Staatsfunkstelle"));
         QCOMPARE(Opt(s, "Option3", 1)->text(), QStringLiteral("High-Power (über 100 Watt)"));
@@ -172,13 +185,25 @@ private slots:
         QTest::addColumn<QString>("control");
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("call folds and maps") << "Text1" << "oe-1ab c!?" << "OE/1ABC";
-        QTest::newRow("call keeps digits and slash") << "Text1" << "oe3xyz/p" << "OE3XYZ/P";
+        QTest::newRow("call folds and maps") << "Text1"
+                                             << "oe-1ab c!?"
+                                             << "OE/1ABC";
+        QTest::newRow("call keeps digits and slash") << "Text1"
+                                                     << "oe3xyz/p"
+                                                     << "OE3XYZ/P";
         QTest::newRow("call drops umlauts") << "Text1" << QStringLiteral("öe1ä") << "E1";
-        QTest::newRow("operator call") << "Combo5" << "oe1-ab.c" << "OE1/ABC";
-        QTest::newRow("list entry") << "Text2" << "oe5xy+" << "OE5XY";
-        QTest::newRow("locator folds only") << "Text3" << "jn88-x" << "JN88-X";
-        QTest::newRow("name as typed") << "Text4" << "Hans Müller" << "Hans Müller";
+        QTest::newRow("operator call") << "Combo5"
+                                       << "oe1-ab.c"
+                                       << "OE1/ABC";
+        QTest::newRow("list entry") << "Text2"
+                                    << "oe5xy+"
+                                    << "OE5XY";
+        QTest::newRow("locator folds only") << "Text3"
+                                            << "jn88-x"
+                                            << "JN88-X";
+        QTest::newRow("name as typed") << "Text4"
+                                       << "Hans Müller"
+                                       << "Hans Müller";
     }
     void keyFilters() {
         QFETCH(QString, control);
@@ -187,7 +212,8 @@ private slots:
         Env e;
         StationLog s(e.m, e.d, e.clock, {}, StationMode::NewLog);
         s.show();
-        QLineEdit* edit = control == QLatin1String("Combo5") ? Combo(s, "Combo5")->lineEdit() : Get<QLineEdit>(s, control);
+        QLineEdit* edit =
+            control == QLatin1String("Combo5") ? Combo(s, "Combo5")->lineEdit() : Get<QLineEdit>(s, control);
         if (control == QLatin1String("Text2")) {
             s.OpenListEditor();
             s.ListNew();
@@ -266,13 +292,15 @@ private slots:
         QTest::addColumn<int>("klasse");
         QTest::addColumn<QString>("box");
         QTest::newRow("two characters") << "OE" << 0 << "Bitte ein gültiges Stationsrufzeichen eingeben!";
-        QTest::newRow("blanks do not count") << " OE " << 0 << "Bitte ein gültiges Stationsrufzeichen eingeben!";
+        QTest::newRow("blanks do not count")
+            << " OE " << 0 << "Bitte ein gültiges Stationsrufzeichen eingeben!";
         QTest::newRow("three, digit, amateur") << "OE1" << 0 << "";
         QTest::newRow("three, letter, state") << "OEY" << 4 << "";
-        QTest::newRow("letter needs state class") << "OEY" << 0
-                                                  << "Für eine Staatsfunkstelle muss die Wertungsklasse 'Staatsfunkstelle' ausgewählt werden!";
-        QTest::newRow("digit refuses state class") << "OE1" << 4
-                                                   << "Wertungsklasse 'Staatsfunkstelle' mit diesem Rufzeichen nicht möglich!";
+        QTest::newRow("letter needs state class")
+            << "OEY" << 0
+            << "Für eine Staatsfunkstelle muss die Wertungsklasse 'Staatsfunkstelle' ausgewählt werden!";
+        QTest::newRow("digit refuses state class")
+            << "OE1" << 4 << "Wertungsklasse 'Staatsfunkstelle' mit diesem Rufzeichen nicht möglich!";
     }
     void callChecks() {
         QFETCH(QString, call);
@@ -293,7 +321,8 @@ private slots:
             QCOMPARE(e.d.boxes.size(), 1);
             QCOMPARE(e.d.boxes[0].text, box);
             QCOMPARE(e.d.boxes[0].flags, int(Msg::Critical));
-            QCOMPARE(int(focus), int(klasse == 0 && call.trimmed().size() == 3 ? Focus::Option2State : Focus::Text1));
+            QCOMPARE(int(focus),
+                     int(klasse == 0 && call.trimmed().size() == 3 ? Focus::Option2State : Focus::Text1));
         }
     }
 
@@ -301,14 +330,20 @@ private slots:
         QTest::addColumn<QString>("broken");
         QTest::addColumn<QString>("box");
         QTest::addColumn<int>("focus");
-        QTest::newRow("operator") << "operator" << "Bitte ein gültiges Operatorrufzeichen eingeben!" << int(Focus::Combo5);
-        QTest::newRow("district") << "district" << "Bitte den eigenen Bezirk auswählen!" << int(Focus::Combo1);
-        QTest::newRow("exam date missing") << "examMissing" << "Du hast kein gültiges Datum für deine Lizenzprüfung angegeben!"
-                                           << int(Focus::None);
-        QTest::newRow("exam date impossible") << "examImpossible"
-                                              << "Du hast kein gültiges Datum für deine Lizenzprüfung angegeben!" << int(Focus::None);
-        QTest::newRow("mail, Yes") << "mail" << "Du hast deine eMail-Adresse nicht angegeben!\r\nBitte gib sie zwecks Rückfragen ein!"
-                                   << int(Focus::Text6);
+        QTest::newRow("operator") << "operator"
+                                  << "Bitte ein gültiges Operatorrufzeichen eingeben!" << int(Focus::Combo5);
+        QTest::newRow("district") << "district"
+                                  << "Bitte den eigenen Bezirk auswählen!" << int(Focus::Combo1);
+        QTest::newRow("exam date missing")
+            << "examMissing"
+            << "Du hast kein gültiges Datum für deine Lizenzprüfung angegeben!" << int(Focus::None);
+        QTest::newRow("exam date impossible")
+            << "examImpossible"
+            << "Du hast kein gültiges Datum für deine Lizenzprüfung angegeben!" << int(Focus::None);
+        QTest::newRow("mail, Yes")
+            << "mail"
+            << "Du hast deine eMail-Adresse nicht angegeben!\r\nBitte gib sie zwecks Rückfragen ein!"
+            << int(Focus::Text6);
     }
     void checksInTheirOrder() {
         QFETCH(QString, broken);
@@ -317,7 +352,8 @@ private slots:
         Env e;
         StationForm f;
         f.text1 = QStringLiteral("OE1ABC");
-        f.combo5Text = broken == QLatin1String("operator") ? QStringLiteral(" OE ") : QStringLiteral("OE1ABC");
+        f.combo5Text =
+            broken == QLatin1String("operator") ? QStringLiteral(" OE ") : QStringLiteral("OE1ABC");
         f.combo1Text = broken == QLatin1String("district") ? QString() : QStringLiteral("WI - Wien");
         f.text6 = broken == QLatin1String("mail") ? QStringLiteral("keine") : QStringLiteral("a@b.at");
         f.label10 = QStringLiteral("X.KOLBO");
@@ -330,7 +366,8 @@ private slots:
         Focus got = Focus::None;
         QVERIFY(!Validate(e.m, e.d, e.clock, f, &got));
         QCOMPARE(e.d.LastBox()->text, box);
-        QCOMPARE(e.d.LastBox()->flags, broken == QLatin1String("mail") ? int(Msg::YesNo) : int(Msg::Critical));
+        QCOMPARE(e.d.LastBox()->flags,
+                 broken == QLatin1String("mail") ? int(Msg::YesNo) : int(Msg::Critical));
         QCOMPARE(int(got), focus);
     }
 
@@ -387,7 +424,8 @@ private slots:
         QStringList ops;
         IniReadSection(e.m.IniPath, QStringLiteral("OPCALLs"), ops);
         QCOMPARE(ops, (QStringList{QStringLiteral("OE1ABC"), QStringLiteral("OE3XYZ")}));
-        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastNewLogDate")), QStringLiteral("20260310"));
+        QCOMPARE(IniReadString(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastNewLogDate")),
+                 QStringLiteral("20260310"));
     }
 
     // In new-log mode the old MYEXAMDAT stays in memory when the class is not Newcomer
@@ -443,7 +481,8 @@ private slots:
         QCOMPARE(Combo(s, "Combo1")->currentText(), QStringLiteral("MD - Mödling"));
         QTest::mouseClick(Btn(s, "Command4"), Qt::LeftButton);
         QVERIFY(s.isVisible());
-        QCOMPARE(e.d.LastBox()->text, QStringLiteral("Du hast kein gültiges Datum für deine Lizenzprüfung angegeben!"));
+        QCOMPARE(e.d.LastBox()->text,
+                 QStringLiteral("Du hast kein gültiges Datum für deine Lizenzprüfung angegeben!"));
         QVERIFY(!QFile::exists(e.m.LogFolder + QStringLiteral("A.KOLBO")));
         Combo(s, "Combo3")->setCurrentIndex(9);
         QTest::mouseClick(Btn(s, "Command4"), Qt::LeftButton);
@@ -466,10 +505,12 @@ private slots:
     }
 
     void memoLinesFollowTheControlsWrap() {
-        QCOMPARE(NormalizeMemo({QStringLiteral("IC-7300, "), QStringLiteral("Dipol"), QString(), QString()}, StationMode::NewLog),
+        QCOMPARE(NormalizeMemo({QStringLiteral("IC-7300, "), QStringLiteral("Dipol"), QString(), QString()},
+                               StationMode::NewLog),
                  QStringLiteral("IC-7300, \r\nDipol\r\n"));
         const QString longLine(300, QLatin1Char('x'));
-        QCOMPARE(NormalizeMemo({longLine}, StationMode::NewLog), QString(256, QLatin1Char('x')) + QStringLiteral("\r\n"));
+        QCOMPARE(NormalizeMemo({longLine}, StationMode::NewLog),
+                 QString(256, QLatin1Char('x')) + QStringLiteral("\r\n"));
         QCOMPARE(NormalizeMemo({longLine.left(200), longLine.left(100)}, StationMode::Options).size(), 250);
         QCOMPARE(NormalizeMemo({QString()}, StationMode::Options), QStringLiteral("\r\n"));
 
@@ -479,7 +520,8 @@ private slots:
         s.show();
         auto* t7 = Get<QPlainTextEdit>(s, QStringLiteral("Text7"));
         QString words;
-        for (int i = 0; i < 40; ++i) words += QStringLiteral("Antenne%1 ").arg(i);
+        for (int i = 0; i < 40; ++i)
+            words += QStringLiteral("Antenne%1 ").arg(i);
         t7->setPlainText(words + QStringLiteral("\n\n"));
         const QStringList lines = DisplayedLines(t7);
         QVERIFY(lines.size() > 3);
@@ -496,7 +538,8 @@ private slots:
         tmp.Header.MYBZ = QStringLiteral("WI");
         tmp.Header.MYEMAIL = QStringLiteral("op@example.at");
         tmp.Header.MYSTATION = QStringLiteral("Alte Station\r\n");
-        for (int i = 0; i < 50; ++i) tmp.LogRecords.push_back(Contact(i));
+        for (int i = 0; i < 50; ++i)
+            tmp.LogRecords.push_back(Contact(i));
         const QByteArray before = Cp(BuildLogText(tmp, false, 2025));
         WriteBytes(e.m.LogFolder + QStringLiteral("A.KOLBO"), before);
         e.m.CurrentLogName = QStringLiteral("A.KOLBO");
@@ -520,7 +563,8 @@ private slots:
             QCOMPARE(Btn(d, "Command3")->isEnabled(), false);
             QCOMPARE(Get<QLabel>(d, QStringLiteral("Label10"))->text(), QStringLiteral("A.KOLBO"));
             QCOMPARE(Edit(d, "Text1")->text(), QStringLiteral("OE1ABC"));
-            QCOMPARE(Get<QPlainTextEdit>(d, QStringLiteral("Text7"))->toPlainText(), QStringLiteral("Alte Station\n"));
+            QCOMPARE(Get<QPlainTextEdit>(d, QStringLiteral("Text7"))->toPlainText(),
+                     QStringLiteral("Alte Station\n"));
             Edit(d, "Text4")->setText(QStringLiteral("  Hans Müller  "));
             Combo(d, "Combo1")->setCurrentIndex(2);
             Combo(d, "Combo5")->setEditText(QString());
@@ -544,9 +588,10 @@ private slots:
         QStringList ops;
         IniReadSection(e.m.IniPath, QStringLiteral("OPCALLs"), ops);
         QCOMPARE(ops, (QStringList{QStringLiteral("OE1ABC"), QStringLiteral("OE3NEW")}));
-        QCOMPARE(told, (QStringList{QStringLiteral("operators OE1ABC / "), QStringLiteral("operators OE3NEW / "),
-                                    QStringLiteral("station GZ OE1ABC OE3NEW"), QStringLiteral("operators OE1ABC,OE3NEW / OE3NEW"),
-                                    QStringLiteral("timer3")}));
+        QCOMPARE(told,
+                 (QStringList{QStringLiteral("operators OE1ABC / "), QStringLiteral("operators OE3NEW / "),
+                              QStringLiteral("station GZ OE1ABC OE3NEW"),
+                              QStringLiteral("operators OE1ABC,OE3NEW / OE3NEW"), QStringLiteral("timer3")}));
     }
 
     void optionsModeSetsTheStateStationFlagAndCutsMemos() {
@@ -583,7 +628,8 @@ private slots:
         e.m.Header.MYBZ = QStringLiteral("WI");
         e.m.Header.MYEMAIL = QStringLiteral("a@b.at");
         QStringList ten;
-        for (int i = 0; i < 10; ++i) ten << QStringLiteral("OE1OP%1").arg(i);
+        for (int i = 0; i < 10; ++i)
+            ten << QStringLiteral("OE1OP%1").arg(i);
         IniWriteSection(e.m.IniPath, QStringLiteral("OPCALLs"), ten);
         StationLog s(e.m, e.d, e.clock, {}, StationMode::Options);
         s.FillFromLog();

@@ -45,7 +45,9 @@ struct Env {
     bool Exists(const QString& name) const { return QFile::exists(m.LogFolder + name); }
 };
 
-template <typename T> T* Get(QWidget& w, const char* name) { return w.findChild<T*>(QString::fromLatin1(name)); }
+template <typename T> T* Get(QWidget& w, const char* name) {
+    return w.findChild<T*>(QString::fromLatin1(name));
+}
 
 StationForm WithCall(const QString& call) {
     StationForm f;
@@ -55,13 +57,15 @@ StationForm WithCall(const QString& call) {
 
 QList<QListWidgetItem*> Items(QListWidget* l) {
     QList<QListWidgetItem*> items;
-    for (int i = 0; i < l->count(); ++i) items << l->item(i);
+    for (int i = 0; i < l->count(); ++i)
+        items << l->item(i);
     return items;
 }
 
 QStringList Rows(QListWidget* l) {
     QStringList rows;
-    for (int i = 0; i < l->count(); ++i) rows << l->item(i)->text();
+    for (int i = 0; i < l->count(); ++i)
+        rows << l->item(i)->text();
     return rows;
 }
 
@@ -89,13 +93,20 @@ private slots:
     void fileNameAnswers_data() {
         QTest::addColumn<QString>("answer");
         QTest::addColumn<QString>("fileName"); // empty: refused
-        QTest::newRow("as offered") << "ZEFT_OE1ABC_P_20260310" << "ZEFT_OE1ABC_P_20260310.KOLBO";
-        QTest::newRow("slash replaced") << "mein/log" << "mein_log.KOLBO";
-        QTest::newRow("blanks kept") << " a b " << " a b .KOLBO";
-        QTest::newRow("empty passes") << "" << ".KOLBO";
-        QTest::newRow("colon") << "a:b" << "";
-        QTest::newRow("question mark") << "a?" << "";
-        QTest::newRow("control code") << "a\x01" << "";
+        QTest::newRow("as offered") << "ZEFT_OE1ABC_P_20260310"
+                                    << "ZEFT_OE1ABC_P_20260310.KOLBO";
+        QTest::newRow("slash replaced") << "mein/log"
+                                        << "mein_log.KOLBO";
+        QTest::newRow("blanks kept") << " a b "
+                                     << " a b .KOLBO";
+        QTest::newRow("empty passes") << ""
+                                      << ".KOLBO";
+        QTest::newRow("colon") << "a:b"
+                               << "";
+        QTest::newRow("question mark") << "a?"
+                                       << "";
+        QTest::newRow("control code") << "a\x01"
+                                      << "";
         QTest::newRow("above 255") << QStringLiteral("a\u0100") << "";
     }
     void fileNameAnswers() {
@@ -194,7 +205,8 @@ private slots:
         h.MYOPKLASS = 2;
         h.MYNPOWER = 0; // stored "0": one character, so "Ja" comes back
         WriteBytes(e.m.LogFolder + QStringLiteral("LAST.KOLBO"), Cp(BuildLogText(last, false, 2026)));
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("LAST.KOLBO"));
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("LAST.KOLBO"));
 
         e.m.Header.MYNPOWER = 0;
         StationLog s(e.m, e.d, e.clock, {}, StationMode::NewLog);
@@ -230,23 +242,27 @@ private slots:
 
     void importOfADamagedTagKeepsWhatWasFilled() {
         Env e;
-        WriteBytes(e.m.LogFolder + QStringLiteral("LAST.KOLBO"),
-                   "[MYCALL:6]OE3XYZ\r\n[MYLOCATOR:6]JN88DF\r\n[MYBZ:x]GZ\r\n[MYOPCALL:5]OE3OP\r\n[ENDHEAD:]\r\n");
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("LAST.KOLBO"));
+        WriteBytes(
+            e.m.LogFolder + QStringLiteral("LAST.KOLBO"),
+            "[MYCALL:6]OE3XYZ\r\n[MYLOCATOR:6]JN88DF\r\n[MYBZ:x]GZ\r\n[MYOPCALL:5]OE3OP\r\n[ENDHEAD:]\r\n");
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("LAST.KOLBO"));
         StationForm f;
         ImportLastLog(e.m, e.d, f);
         QCOMPARE(f.text1, QStringLiteral("OE3XYZ"));
         QCOMPARE(f.text3, QStringLiteral("JN88DF"));
         QVERIFY(f.combo5Text.isEmpty());
         QCOMPARE(e.d.boxes.size(), 1);
-        QCOMPARE(e.d.boxes[0].text, QStringLiteral("Die Datei\r\n\r\nist fehlerhaft oder keine gültige Kolibrino Logdatei!"));
+        QCOMPARE(e.d.boxes[0].text,
+                 QStringLiteral("Die Datei\r\n\r\nist fehlerhaft oder keine gültige Kolibrino Logdatei!"));
         QCOMPARE(e.d.boxes[0].flags, int(Msg::Critical));
     }
 
     void importOfPowerTagWithoutBracketClearsItQuietly() {
         Env e;
         WriteBytes(e.m.LogFolder + QStringLiteral("LAST.KOLBO"), "[MYCALL:6]OE3XYZ\r\n[MYNPOWER:1");
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("LAST.KOLBO"));
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("LAST.KOLBO"));
         e.m.Header.MYNPOWER = 2;
         StationForm f;
         ImportLastLog(e.m, e.d, f);
@@ -260,7 +276,8 @@ private slots:
         StationForm f;
         f.text1 = QStringLiteral("KEEP");
         ImportLastLog(e.m, e.d, f);
-        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("gone.KOLBO"));
+        IniWrite(e.m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("gone.KOLBO"));
         ImportLastLog(e.m, e.d, f);
         QCOMPARE(f.text1, QStringLiteral("KEEP"));
         QVERIFY(e.d.boxes.isEmpty());
@@ -268,7 +285,8 @@ private slots:
 
     void listEditorAddsEditsAndTakesOver() {
         Env e;
-        IniWriteSection(e.m.IniPath, QStringLiteral("OPCALLs"), {QStringLiteral("OE1AAA"), QStringLiteral("OE1BBB")});
+        IniWriteSection(e.m.IniPath, QStringLiteral("OPCALLs"),
+                        {QStringLiteral("OE1AAA"), QStringLiteral("OE1BBB")});
         StationLog s(e.m, e.d, e.clock, {}, StationMode::NewLog);
         s.SetLogManager([](const QString&) {});
         s.show();
@@ -311,7 +329,8 @@ private slots:
         QCOMPARE(Get<QLineEdit>(s, "Text2")->selectedText(), QStringLiteral("OE1AAA"));
         Get<QLineEdit>(s, "Text2")->setText(QStringLiteral("OE1ZZZ"));
         QTest::mouseClick(Get<QPushButton>(s, "Command11"), Qt::LeftButton);
-        QCOMPARE(Rows(list1), (QStringList{QStringLiteral("OE1ZZZ"), QStringLiteral("OE1BBB"), QStringLiteral("OE3CCC")}));
+        QCOMPARE(Rows(list1),
+                 (QStringList{QStringLiteral("OE1ZZZ"), QStringLiteral("OE1BBB"), QStringLiteral("OE3CCC")}));
         Shot(&s, QStringLiteral("StationLog_list"));
 
         // OK: the list goes to Combo5, the typed text with it.
@@ -332,14 +351,16 @@ private slots:
     void listEditorHoldsTenAtMost() {
         Env e;
         QStringList ten;
-        for (int i = 0; i < 10; ++i) ten << QStringLiteral("OE1OP%1").arg(i);
+        for (int i = 0; i < 10; ++i)
+            ten << QStringLiteral("OE1OP%1").arg(i);
         IniWriteSection(e.m.IniPath, QStringLiteral("OPCALLs"), ten);
         StationLog s(e.m, e.d, e.clock, {}, StationMode::NewLog);
         s.show();
         s.OpenListEditor();
         QTest::mouseClick(Get<QPushButton>(s, "Command10"), Qt::LeftButton);
-        QCOMPARE(e.d.LastBox()->text, QStringLiteral("Du must zuerst ein Rufzeichen löschen um ein neues eingeben zu können!\r\n"
-                                                     "Es sind maximal 10 Rufzeichen möglich."));
+        QCOMPARE(e.d.LastBox()->text,
+                 QStringLiteral("Du must zuerst ein Rufzeichen löschen um ein neues eingeben zu können!\r\n"
+                                "Es sind maximal 10 Rufzeichen möglich."));
         QCOMPARE(e.d.LastBox()->flags, int(Msg::Information));
         QVERIFY(!Get<QWidget>(s, "Picture7")->isVisible());
         // Cancel leaves Combo5 as it was; without the log manager the name stays locked.
@@ -350,8 +371,9 @@ private slots:
 
     void listEditorDeletesWithAQuestionEach() {
         Env e;
-        IniWriteSection(e.m.IniPath, QStringLiteral("OPCALLs"),
-                        {QStringLiteral("OE1A"), QStringLiteral("OE1B"), QStringLiteral("OE1C"), QStringLiteral("OE1D")});
+        IniWriteSection(
+            e.m.IniPath, QStringLiteral("OPCALLs"),
+            {QStringLiteral("OE1A"), QStringLiteral("OE1B"), QStringLiteral("OE1C"), QStringLiteral("OE1D")});
         StationLog s(e.m, e.d, e.clock, {}, StationMode::NewLog);
         s.show();
         s.OpenListEditor();
@@ -359,7 +381,8 @@ private slots:
         list1->clearSelection();
         QTest::mouseClick(Get<QPushButton>(s, "Command8"), Qt::LeftButton);
         QCOMPARE(e.d.LastBox()->text, QStringLiteral("Kein Rufzeichen ausgewählt!"));
-        for (QListWidgetItem* i : Items(list1)) i->setSelected(true);
+        for (QListWidgetItem* i : Items(list1))
+            i->setSelected(true);
         e.d.Clear();
         e.d.AnswerMsgBox(Msg::Yes);
         e.d.AnswerMsgBox(Msg::No);
