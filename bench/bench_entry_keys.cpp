@@ -80,8 +80,9 @@ int main() {
     QTextStream out(stdout);
     const Model m = BigLog(10000);
     const QString list = BigCallList(20000);
-    out << "log: " << m.LogRecords.size() << " contacts, index " << m.CallIndex.size() << " characters; call list "
-        << list.count(QLatin1Char('\n')) << " lines, " << list.size() << " characters\n";
+    out << "log: " << m.LogRecords.size() << " contacts, index " << m.CallIndex.size()
+        << " characters; call list " << list.count(QLatin1Char('\n')) << " lines, " << list.size()
+        << " characters\n";
 
     struct Case {
         const char* what;
@@ -94,10 +95,11 @@ int main() {
     const QTime lastTime = *m.Formats.ParseTime(last.Zeit);
     const Case cases[] = {
         {"dupe of the last contact, name in the list", last.Call, last.Band, last.Mode, lastTime},
-        {"worked station with /P, name in the list", last.Call + QStringLiteral("/P"), 80, QStringLiteral("SSB"),
-         QTime(6, 30)},
+        {"worked station with /P, name in the list", last.Call + QStringLiteral("/P"), 80,
+         QStringLiteral("SSB"), QTime(6, 30)},
         {"new station, name at the end of the list", CallOf(19999), 80, QStringLiteral("SSB"), QTime(6, 30)},
-        {"unknown call (full scans of both)", QStringLiteral("OE9QQQ"), 80, QStringLiteral("SSB"), QTime(6, 30)},
+        {"unknown call (full scans of both)", QStringLiteral("OE9QQQ"), 80, QStringLiteral("SSB"),
+         QTime(6, 30)},
         {"four characters typed", QStringLiteral("OE5X"), 80, QStringLiteral("SSB"), QTime(6, 30)},
     };
     bool ok = true;

@@ -187,8 +187,8 @@ bool SubmissionReminders::OfferAtClosing(const QDateTime& contestNow, int gridDa
     return contestDay && gridDataRows > 0 && !OfferedPeriod1 && !OfferedPeriod2;
 }
 
-Timer4Result Timer4Tick(const LocaleFormats& formats, const QDateTime& contestNow, SubmissionReminders& reminders,
-                        int gridDataRows) {
+Timer4Result Timer4Tick(const LocaleFormats& formats, const QDateTime& contestNow,
+                        SubmissionReminders& reminders, int gridDataRows) {
     Timer4Result r;
     r.offer = reminders.OfferNow(formats, contestNow.time(), gridDataRows);
     r.caption = CountdownCaption(formats, contestNow);

@@ -145,13 +145,13 @@ struct SubmissionReminders {
 };
 
 struct Timer4Result {
-    QString caption;                                      // for MnZeitTimer
+    QString caption;                                              // for MnZeitTimer
     SubmissionReminders::Offer offer = SubmissionReminders::None; // run MnLogEinsenden
 };
 // One tick of Timer4 at contestNow; gridDataRows counts the contacts in the grid (not
 // its heading row).
-Timer4Result Timer4Tick(const LocaleFormats& formats, const QDateTime& contestNow, SubmissionReminders& reminders,
-                        int gridDataRows);
+Timer4Result Timer4Tick(const LocaleFormats& formats, const QDateTime& contestNow,
+                        SubmissionReminders& reminders, int gridDataRows);
 
 // ---- Date and time lock --------------------------------------------------------------
 

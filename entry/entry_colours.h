@@ -18,6 +18,8 @@ inline constexpr quint32 Highlight = 0x80000002;  // palette: highlight (QSL JA)
 inline constexpr quint32 ButtonFace = 0x8000000F; // palette: button face
 
 // Whether a colour names a palette entry rather than red, green and blue.
-inline constexpr bool IsPaletteColour(quint32 colour) { return (colour & 0x80000000u) != 0; }
+inline constexpr bool IsPaletteColour(quint32 colour) {
+    return (colour & 0x80000000u) != 0;
+}
 
 } // namespace kolibrino::EntryColour

@@ -90,7 +90,8 @@ std::optional<EntryField> SpaceTarget(EntryField field, bool shiftDown) {
     return std::nullopt;
 }
 
-KeyAction FilterKeyPress(EntryField field, QChar key, bool shiftDown, QChar dateSeparator, QChar timeSeparator) {
+KeyAction FilterKeyPress(EntryField field, QChar key, bool shiftDown, QChar dateSeparator,
+                         QChar timeSeparator) {
     const char16_t k = key.unicode();
     const bool stops = IsTimeField(field);
     if (k == KeyAscii::Tab) return Typed(key, false);
@@ -119,7 +120,8 @@ KeyAction FilterKeyPress(EntryField field, QChar key, bool shiftDown, QChar date
     case EntryField::Text3:
         if (k == KeyAscii::Minus) return Typed(QChar(KeyAscii::Slash), false);
         if (IsAsciiLower(k)) return Typed(key.toUpper(), false);
-        if (k == KeyAscii::Slash || IsAsciiDigit(k) || IsAsciiUpper(k) || IsEditingKey(k)) return Typed(key, false);
+        if (k == KeyAscii::Slash || IsAsciiDigit(k) || IsAsciiUpper(k) || IsEditingKey(k))
+            return Typed(key, false);
         return Swallowed(KeyAction::Drop, false);
     case EntryField::Combo5:
         return Typed(key.isLetter() ? key.toUpper() : key, false);
@@ -128,9 +130,11 @@ KeyAction FilterKeyPress(EntryField field, QChar key, bool shiftDown, QChar date
     }
 }
 
-std::optional<EntryField> TabTarget(EntryField leaving, bool backwards, bool fieldsLocked, bool extendedEntry) {
+std::optional<EntryField> TabTarget(EntryField leaving, bool backwards, bool fieldsLocked,
+                                    bool extendedEntry) {
     if (!backwards && (leaving == EntryField::Combo5 || leaving == EntryField::Text8)) {
-        if (extendedEntry && leaving == EntryField::Combo5) return fieldsLocked ? EntryField::Check1 : EntryField::Text1;
+        if (extendedEntry && leaving == EntryField::Combo5)
+            return fieldsLocked ? EntryField::Check1 : EntryField::Text1;
         return fieldsLocked ? EntryField::Combo1 : EntryField::Text2;
     }
     // Text8 lies in the extended panel; while it is hidden the usual order stands.

@@ -92,7 +92,8 @@ struct KeyAction {
 // KeyPress: key is the character the key would type (Enter 13, Backspace 8, Ctrl+X 24,
 // Ctrl+C 3, ...). shiftDown is ShiftTracker::ShiftDown. The window calls this only for
 // keys that type a character; Tab and Delete are always left to the field.
-KeyAction FilterKeyPress(EntryField field, QChar key, bool shiftDown, QChar dateSeparator, QChar timeSeparator);
+KeyAction FilterKeyPress(EntryField field, QChar key, bool shiftDown, QChar dateSeparator,
+                         QChar timeSeparator);
 
 // Where Space (or Shift+Space) moves the focus; nullopt where Space types a blank
 // (Text8, Combo6).
@@ -101,7 +102,8 @@ std::optional<EntryField> SpaceTarget(EntryField field, bool shiftDown);
 // Where Tab leaving a field goes instead of the next field in order; nullopt: the
 // usual order. backwards is Shift held with Tab; fieldsLocked is the lock of Text1 and
 // Text2; extendedEntry is the panel Picture4 being visible.
-std::optional<EntryField> TabTarget(EntryField leaving, bool backwards, bool fieldsLocked, bool extendedEntry);
+std::optional<EntryField> TabTarget(EntryField leaving, bool backwards, bool fieldsLocked,
+                                    bool extendedEntry);
 
 // ---- Look ----------------------------------------------------------------------------
 
@@ -129,7 +131,7 @@ CheckLook Check1Look(int value);
 // The dupe test of the main window on the index: the district of a station worked
 // before, and the warning when the entry would be a dupe.
 struct CallCheck {
-    bool found = false;  // the call has an entry: bezirk fills Combo5
+    bool found = false; // the call has an entry: bezirk fills Combo5
     QString bezirk;
     bool isDupe = false; // light the dupe button (DupeButton::Show) and show warning
     QString warning;     // for Label13: "Station bereits um <time> Uhr gearbeitet!"
@@ -143,8 +145,8 @@ CallCheck CheckCall(const Model& m, const QString& call, int band, const QString
 // What a change of Text3 shows. The window first hides Label10 and empties Label13,
 // then applies this.
 struct CallChangeResult {
-    bool refreshDbLog = false;   // enable the timer of the partial-call window
-    bool clearDbLogList = false; // set the partial-call grid's rows to 0
+    bool refreshDbLog = false;      // enable the timer of the partial-call window
+    bool clearDbLogList = false;    // set the partial-call grid's rows to 0
     std::optional<CallCheck> check; // from four characters on
     std::optional<QString> label10; // call and name from the call list; nullopt: hidden
 };

@@ -94,13 +94,15 @@ private slots:
         QCOMPARE(IniReadInt(ini, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM")), 12.0);
         QCOMPARE(ReadZpmIndex(ini), 12);
         const FixedTimeSource clock(At(15, 30));
-        QCOMPARE(*Timer1Tick(Formats(), ContestNow(clock, *offset), false, {}, {}).text2, QStringLiteral("15:30"));
+        QCOMPARE(*Timer1Tick(Formats(), ContestNow(clock, *offset), false, {}, {}).text2,
+                 QStringLiteral("15:30"));
     }
 
     void zpmClickStoresTheIndexNotTheHours() {
         Home h;
         QCOMPARE(*ZpmClick(10, h.model.IniPath), -2);
-        QCOMPARE(IniReadInt(h.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM")), 10.0);
+        QCOMPARE(IniReadInt(h.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM")),
+                 10.0);
         QVERIFY(!ZpmClick(25, h.model.IniPath));
         QCOMPARE(ReadZpmIndex(h.model.IniPath), 10);
     }
@@ -127,8 +129,8 @@ private slots:
                                               QStringLiteral("09:30"));
         QVERIFY(!same.text1);
         QVERIFY(!same.text2);
-        const DateTimeTexts minute = Timer1Tick(Formats(), At(9, 31), false, QStringLiteral("01.05.2026"),
-                                                QStringLiteral("09:30"));
+        const DateTimeTexts minute =
+            Timer1Tick(Formats(), At(9, 31), false, QStringLiteral("01.05.2026"), QStringLiteral("09:30"));
         QVERIFY(!minute.text1);
         QCOMPARE(*minute.text2, QStringLiteral("09:31"));
     }
@@ -138,8 +140,8 @@ private slots:
         lock.ClickZeitDatumLock();
         QVERIFY(lock.Timer1Paused());
         const QDateTime now = At(9, 30, 10);
-        const DateTimeTexts shown = Timer1Tick(Formats(), now, lock.Timer1Paused(), QStringLiteral("30.04.2026"),
-                                               QStringLiteral("23:59"));
+        const DateTimeTexts shown = Timer1Tick(Formats(), now, lock.Timer1Paused(),
+                                               QStringLiteral("30.04.2026"), QStringLiteral("23:59"));
         QVERIFY(!shown.text1);
         QVERIFY(!shown.text2);
         SubmissionReminders reminders;

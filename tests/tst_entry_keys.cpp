@@ -36,9 +36,12 @@ void Add(Model& m, const QsoRecord& r) {
 Model WorkedModel() {
     Model m;
     m.SetLocale(AustrianLocale());
-    Add(m, Rec(QStringLiteral("OE1ABC"), 80, QStringLiteral("SSB"), QStringLiteral("05:15:00"), QStringLiteral("WI")));
-    Add(m, Rec(QStringLiteral("OE5XYZ"), 40, QStringLiteral("CW"), QStringLiteral("06:20:00"), QStringLiteral("LL")));
-    Add(m, Rec(QStringLiteral("OE5XYZ"), 80, QStringLiteral("CW"), QStringLiteral("14:20:00"), QStringLiteral("LI")));
+    Add(m, Rec(QStringLiteral("OE1ABC"), 80, QStringLiteral("SSB"), QStringLiteral("05:15:00"),
+               QStringLiteral("WI")));
+    Add(m, Rec(QStringLiteral("OE5XYZ"), 40, QStringLiteral("CW"), QStringLiteral("06:20:00"),
+               QStringLiteral("LL")));
+    Add(m, Rec(QStringLiteral("OE5XYZ"), 80, QStringLiteral("CW"), QStringLiteral("14:20:00"),
+               QStringLiteral("LI")));
     return m;
 }
 
@@ -83,7 +86,8 @@ private slots:
         QTest::newRow("Text2 date separator") << F::Text2 << QChar(u'.') << false << D << QChar() << true;
         QTest::newRow("Text2 minus") << F::Text2 << QChar(u'-') << false << D << QChar() << true;
         // Call: "-" types "/", letters upper case, digits, "/", editing keys; the rest dropped.
-        QTest::newRow("Text3 minus types slash") << F::Text3 << QChar(u'-') << false << T << QChar(u'/') << false;
+        QTest::newRow("Text3 minus types slash")
+            << F::Text3 << QChar(u'-') << false << T << QChar(u'/') << false;
         QTest::newRow("Text3 slash") << F::Text3 << QChar(u'/') << false << T << QChar(u'/') << false;
         QTest::newRow("Text3 lower letter") << F::Text3 << QChar(u'w') << false << T << QChar(u'W') << false;
         QTest::newRow("Text3 upper letter") << F::Text3 << QChar(u'W') << false << T << QChar(u'W') << false;
@@ -96,15 +100,18 @@ private slots:
         QTest::newRow("Text3 umlaut") << F::Text3 << QChar(u'\u00e4') << false << D << QChar() << false;
         QTest::newRow("Text3 semicolon") << F::Text3 << QChar(u';') << false << D << QChar() << false;
         // District: upper case, nothing dropped.
-        QTest::newRow("Combo5 lower letter") << F::Combo5 << QChar(u'w') << false << T << QChar(u'W') << false;
+        QTest::newRow("Combo5 lower letter")
+            << F::Combo5 << QChar(u'w') << false << T << QChar(u'W') << false;
         QTest::newRow("Combo5 digit") << F::Combo5 << QChar(u'1') << false << T << QChar(u'1') << false;
         // Reports, note, band: as typed.
         QTest::newRow("Text4 letter") << F::Text4 << QChar(u'n') << false << T << QChar(u'n') << false;
         QTest::newRow("Text8 letter") << F::Text8 << QChar(u'x') << false << T << QChar(u'x') << false;
         QTest::newRow("Text8 space types") << F::Text8 << QChar(u' ') << false << T << QChar(u' ') << false;
-        QTest::newRow("Text8 shift space types") << F::Text8 << QChar(u' ') << true << T << QChar(u' ') << false;
+        QTest::newRow("Text8 shift space types")
+            << F::Text8 << QChar(u' ') << true << T << QChar(u' ') << false;
         // Operator: upper case, Space types.
-        QTest::newRow("Combo6 lower letter") << F::Combo6 << QChar(u'o') << false << T << QChar(u'O') << false;
+        QTest::newRow("Combo6 lower letter")
+            << F::Combo6 << QChar(u'o') << false << T << QChar(u'O') << false;
         QTest::newRow("Combo6 space types") << F::Combo6 << QChar(u' ') << false << T << QChar(u' ') << false;
         // Tab and Delete belong to the focus chain and the editor.
         QTest::newRow("Text3 tab") << F::Text3 << QChar(9) << false << T << QChar(9) << false;
@@ -126,8 +133,8 @@ private slots:
 
     void enterInEveryFieldButTheOperatorLogs_data() {
         QTest::addColumn<F>("field");
-        for (F f : {F::Text1, F::Text2, F::Text3, F::Combo1, F::Combo2, F::Text4, F::Text5, F::Combo5, F::Check1,
-                    F::Text8})
+        for (F f : {F::Text1, F::Text2, F::Text3, F::Combo1, F::Combo2, F::Text4, F::Text5, F::Combo5,
+                    F::Check1, F::Text8})
             QTest::newRow(qPrintable(QString::number(int(f)))) << f;
     }
     void enterInEveryFieldButTheOperatorLogs() {
@@ -222,7 +229,8 @@ private slots:
         QTest::newRow("ctrl F10") << int(Qt::Key_F10) << int(Qt::ControlModifier) << true;
         QTest::newRow("alt F10") << int(Qt::Key_F10) << int(Qt::AltModifier) << true;
         QTest::newRow("alt W") << int(Qt::Key_W) << int(Qt::AltModifier) << true;
-        QTest::newRow("ctrl shift W") << int(Qt::Key_W) << int(Qt::ControlModifier | Qt::ShiftModifier) << true;
+        QTest::newRow("ctrl shift W")
+            << int(Qt::Key_W) << int(Qt::ControlModifier | Qt::ShiftModifier) << true;
         QTest::newRow("F10") << int(Qt::Key_F10) << int(Qt::NoModifier) << false;
         QTest::newRow("shift F10") << int(Qt::Key_F10) << int(Qt::ShiftModifier) << false;
         QTest::newRow("ctrl F9") << int(Qt::Key_F9) << int(Qt::ControlModifier) << false;
@@ -327,8 +335,10 @@ private slots:
         QTest::addColumn<QString>("listCall");
         QTest::newRow("portable") << QStringLiteral("OE5XYZ/P") << QStringLiteral("OE5XYZ");
         QTest::newRow("mobile") << QStringLiteral("OE5XYZ/M") << QStringLiteral("OE5XYZ");
-        QTest::newRow("slash in third place stays") << QStringLiteral("OE/DL1AA") << QStringLiteral("OE/DL1AA");
-        QTest::newRow("slash in second place stays") << QStringLiteral("9/OE5XYZ") << QStringLiteral("9/OE5XYZ");
+        QTest::newRow("slash in third place stays")
+            << QStringLiteral("OE/DL1AA") << QStringLiteral("OE/DL1AA");
+        QTest::newRow("slash in second place stays")
+            << QStringLiteral("9/OE5XYZ") << QStringLiteral("9/OE5XYZ");
         QTest::newRow("prefix and suffix") << QStringLiteral("OE/DL1AA/P") << QStringLiteral("OE/DL1AA");
         QTest::newRow("slash in fourth place ends") << QStringLiteral("OE5/XY") << QStringLiteral("OE5");
         QTest::newRow("no slash") << QStringLiteral("OE5XYZ") << QStringLiteral("OE5XYZ");
@@ -341,11 +351,11 @@ private slots:
 
     void portableCallShowsTheNameOfTheHomeCall() {
         const Model m = WorkedModel();
-        const CallChangeResult r =
-            CallChange(m, QStringLiteral("OE5XYZ/P"), 80, QStringLiteral("SSB"), QTime(9, 0), kCallList, false, 0);
+        const CallChangeResult r = CallChange(m, QStringLiteral("OE5XYZ/P"), 80, QStringLiteral("SSB"),
+                                              QTime(9, 0), kCallList, false, 0);
         QCOMPARE(*r.label10, QStringLiteral("OE5XYZ Max Muster"));
-        const CallChangeResult early =
-            CallChange(m, QStringLiteral("OE/DL1AA"), 80, QStringLiteral("SSB"), QTime(9, 0), kCallList, false, 0);
+        const CallChangeResult early = CallChange(m, QStringLiteral("OE/DL1AA"), 80, QStringLiteral("SSB"),
+                                                  QTime(9, 0), kCallList, false, 0);
         QCOMPARE(*early.label10, QStringLiteral("OE/DL1AA Gast"));
     }
 
@@ -390,7 +400,8 @@ private slots:
             QCOMPARE(r.refreshDbLog, n >= 2);
             if (n < call.size() && r.check) QVERIFY(!r.check->isDupe);
         }
-        const CallChangeResult full = CallChange(m, call, 80, QStringLiteral("SSB"), QTime(7, 0), kCallList, true, 1);
+        const CallChangeResult full =
+            CallChange(m, call, 80, QStringLiteral("SSB"), QTime(7, 0), kCallList, true, 1);
         QVERIFY(full.check->found);
         QVERIFY(full.check->isDupe);
         QCOMPARE(full.check->bezirk, QStringLiteral("WI"));
@@ -400,21 +411,21 @@ private slots:
 
     void aWorkedCallOnAnotherSlotFillsTheDistrictWithoutWarning() {
         const Model m = WorkedModel();
-        const CallChangeResult r =
-            CallChange(m, QStringLiteral("OE1ABC"), 40, QStringLiteral("SSB"), QTime(7, 0), kCallList, false, 0);
+        const CallChangeResult r = CallChange(m, QStringLiteral("OE1ABC"), 40, QStringLiteral("SSB"),
+                                              QTime(7, 0), kCallList, false, 0);
         QVERIFY(r.check->found);
         QVERIFY(!r.check->isDupe);
         QVERIFY(r.check->warning.isEmpty());
         QCOMPARE(r.check->bezirk, QStringLiteral("WI"));
-        const CallChangeResult pm =
-            CallChange(m, QStringLiteral("OE1ABC"), 80, QStringLiteral("SSB"), QTime(14, 5), kCallList, false, 0);
+        const CallChangeResult pm = CallChange(m, QStringLiteral("OE1ABC"), 80, QStringLiteral("SSB"),
+                                               QTime(14, 5), kCallList, false, 0);
         QVERIFY(!pm.check->isDupe);
     }
 
     void aNewCallFindsNothing() {
         const Model m = WorkedModel();
-        const CallChangeResult r =
-            CallChange(m, QStringLiteral("OE7QQQ"), 80, QStringLiteral("SSB"), QTime(7, 0), kCallList, false, 0);
+        const CallChangeResult r = CallChange(m, QStringLiteral("OE7QQQ"), 80, QStringLiteral("SSB"),
+                                              QTime(7, 0), kCallList, false, 0);
         QVERIFY(r.check);
         QVERIFY(!r.check->found);
         QVERIFY(r.check->bezirk.isEmpty());
@@ -423,16 +434,16 @@ private slots:
 
     void blanksAroundTheCallAreTrimmedForTheLookUp() {
         const Model m = WorkedModel();
-        const CallChangeResult r =
-            CallChange(m, QStringLiteral(" OE1ABC "), 80, QStringLiteral("SSB"), QTime(7, 0), kCallList, false, 0);
+        const CallChangeResult r = CallChange(m, QStringLiteral(" OE1ABC "), 80, QStringLiteral("SSB"),
+                                              QTime(7, 0), kCallList, false, 0);
         QVERIFY(r.check->isDupe);
         QCOMPARE(*r.label10, QStringLiteral("OE1ABC Anna Berger"));
     }
 
     void unreadableTimeStillFillsTheDistrictButDecidesNoDupe() {
         const Model m = WorkedModel();
-        const CallChangeResult r =
-            CallChange(m, QStringLiteral("OE5XYZ"), 40, QStringLiteral("CW"), std::nullopt, kCallList, false, 0);
+        const CallChangeResult r = CallChange(m, QStringLiteral("OE5XYZ"), 40, QStringLiteral("CW"),
+                                              std::nullopt, kCallList, false, 0);
         QVERIFY(r.check->found);
         QVERIFY(!r.check->isDupe);
         QCOMPARE(r.check->bezirk, QStringLiteral("LI")); // the last contact with the call
@@ -442,7 +453,8 @@ private slots:
         const Model m = WorkedModel();
         QVERIFY(!CallLostFocus(m, QStringLiteral("O"), 80, QStringLiteral("SSB"), QTime(7, 0)));
         QVERIFY(!CallLostFocus(m, QStringLiteral(" O "), 80, QStringLiteral("SSB"), QTime(7, 0)));
-        const std::optional<CallCheck> c = CallLostFocus(m, QStringLiteral("OE1ABC"), 80, QStringLiteral("SSB"), QTime(7, 0));
+        const std::optional<CallCheck> c =
+            CallLostFocus(m, QStringLiteral("OE1ABC"), 80, QStringLiteral("SSB"), QTime(7, 0));
         QVERIFY(c);
         QVERIFY(c->isDupe);
         QCOMPARE(c->bezirk, QStringLiteral("WI"));
@@ -451,8 +463,8 @@ private slots:
     void clickOnTheMessageLineAfterADupeWarningClearsTheDistrict() {
         const Model m = WorkedModel();
         DupeButton button;
-        const CallChangeResult r =
-            CallChange(m, QStringLiteral("OE1ABC"), 80, QStringLiteral("SSB"), QTime(7, 0), kCallList, false, 0);
+        const CallChangeResult r = CallChange(m, QStringLiteral("OE1ABC"), 80, QStringLiteral("SSB"),
+                                              QTime(7, 0), kCallList, false, 0);
         QVERIFY(r.check->isDupe);
         button.Show();
         QString combo5 = r.check->bezirk;
@@ -470,6 +482,29 @@ private slots:
         button.Show();
         QVERIFY(!Label13Click(button, QString())); // nothing to empty
         QVERIFY(!button.enabled);
+    }
+
+    void typingAPortableCallThenSpaceThenDistrictThenEnter() {
+        const Model m = WorkedModel();
+        QString text3;
+        std::optional<QString> label10;
+        for (QChar c : QStringLiteral("oe5xyz-p")) {
+            const KeyAction a = Key(F::Text3, c);
+            QCOMPARE(a.kind, KeyAction::Type);
+            text3 += a.ch;
+            label10 =
+                CallChange(m, text3, 80, QStringLiteral("SSB"), QTime(9, 0), kCallList, false, 0).label10;
+        }
+        QCOMPARE(text3, QStringLiteral("OE5XYZ/P"));
+        QCOMPARE(*label10, QStringLiteral("OE5XYZ Max Muster"));
+        const KeyAction space = Key(F::Text3, QChar(u' '));
+        QCOMPARE(space.kind, KeyAction::Jump);
+        QCOMPARE(space.target, F::Combo5);
+        QString combo5;
+        for (QChar c : QStringLiteral("li"))
+            combo5 += Key(F::Combo5, c).ch;
+        QCOMPARE(combo5, QStringLiteral("LI"));
+        QCOMPARE(Key(F::Combo5, QChar(13)).kind, KeyAction::Take);
     }
 
     // ---- time field ----
@@ -520,14 +555,17 @@ private slots:
 
     void bandOrModeClickTestsTheCallAgain() {
         const Model m = WorkedModel();
-        const BandOrModeResult r = BandOrModeClick(m, QStringLiteral("OE5XYZ"), 40, QStringLiteral("CW"), QTime(6, 30), true);
+        const BandOrModeResult r =
+            BandOrModeClick(m, QStringLiteral("OE5XYZ"), 40, QStringLiteral("CW"), QTime(6, 30), true);
         QVERIFY(r.refreshDbLog);
         QVERIFY(r.check->isDupe);
         QCOMPARE(r.check->warning, QStringLiteral("Station bereits um 06:20 Uhr gearbeitet!"));
-        const BandOrModeResult other = BandOrModeClick(m, QStringLiteral("OE5XYZ"), 80, QStringLiteral("SSB"), QTime(6, 30), false);
+        const BandOrModeResult other =
+            BandOrModeClick(m, QStringLiteral("OE5XYZ"), 80, QStringLiteral("SSB"), QTime(6, 30), false);
         QVERIFY(!other.refreshDbLog);
         QVERIFY(!other.check->isDupe);
-        QVERIFY(!BandOrModeClick(m, QStringLiteral("O"), 80, QStringLiteral("SSB"), QTime(6, 30), true).check);
+        QVERIFY(
+            !BandOrModeClick(m, QStringLiteral("O"), 80, QStringLiteral("SSB"), QTime(6, 30), true).check);
     }
 
     // ---- operators ----
@@ -555,7 +593,8 @@ private slots:
     void twelveOperatorsStoreOnlyTheFirstTen() {
         Home h;
         QStringList list;
-        for (int i = 1; i <= 12; ++i) list = OperatorEnter(list, QStringLiteral("OE%1OP").arg(i % 10));
+        for (int i = 1; i <= 12; ++i)
+            list = OperatorEnter(list, QStringLiteral("OE%1OP").arg(i % 10));
         // Ten different calls at most: OE0OP..OE9OP; make two more distinct ones.
         list = OperatorEnter(list, QStringLiteral("OE1XA"));
         list = OperatorEnter(list, QStringLiteral("OE1XB"));
@@ -589,7 +628,8 @@ private slots:
         QVERIFY(on.checked);
         QCOMPARE(*on.text3, QStringLiteral("OE"));
         QCOMPARE(on.caret, 2);
-        QCOMPARE(IniReadInt(h.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("CallVorgabe")), -1.0);
+        QCOMPARE(IniReadInt(h.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("CallVorgabe")),
+                 -1.0);
         QVERIFY(ReadCallVorgabe(h.model.IniPath));
         const CallVorgabeResult busy = CallVorgabeClick(false, QStringLiteral("OE1"), h.model.IniPath);
         QVERIFY(!busy.text3);
@@ -601,7 +641,8 @@ private slots:
         const CallVorgabeResult off = CallVorgabeClick(true, QStringLiteral("OE"), h.model.IniPath);
         QVERIFY(!off.checked);
         QCOMPARE(*off.text3, QString());
-        QCOMPARE(IniReadInt(h.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("CallVorgabe")), 0.0);
+        QCOMPARE(IniReadInt(h.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("CallVorgabe")),
+                 0.0);
         QVERIFY(!ReadCallVorgabe(h.model.IniPath));
         QVERIFY(!CallVorgabeClick(true, QStringLiteral("OE5XYZ"), h.model.IniPath).text3);
         QCOMPARE(ResetCallText(true), QStringLiteral("OE"));
@@ -625,7 +666,8 @@ private slots:
         Home h;
         QVERIFY(!ReadErwEingabe(h.model.IniPath));
         WriteErwEingabe(true, h.model.IniPath);
-        QCOMPARE(IniReadInt(h.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ErwEeingabe")), -1.0);
+        QCOMPARE(IniReadInt(h.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ErwEeingabe")),
+                 -1.0);
         QVERIFY(ReadErwEingabe(h.model.IniPath));
         WriteErwEingabe(false, h.model.IniPath);
         QVERIFY(!ReadErwEingabe(h.model.IniPath));
