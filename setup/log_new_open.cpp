@@ -56,6 +56,9 @@ LogNewOpen::LogNewOpen(Model& m, Dialogs& dialogs, const TimeSource& clock, cons
     label2_ = new ClickLabel(this);
     label2_->setObjectName(QStringLiteral("Label2"));
     label2_->setToolTip(QStringLiteral("Zuletzt verwendetes Log Öffnen"));
+    QFont bold = label2_->font();
+    bold.setBold(true);
+    label2_->setFont(bold);
     connect(label2_, &ClickLabel::clicked, this, &LogNewOpen::OpenLastLog);
 
     command4_ = Button(QStringLiteral("&Neues Log"), QStringLiteral("Command4"), this);

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QStorageInfo>
+#include <QTimer>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -111,8 +112,11 @@ SichernEinstellungen::SichernEinstellungen(Model& m, Dialogs& dialogs, QWidget* 
             });
     // The tree fills in the background: keep the chosen folder in view as it grows.
     connect(fs_, &QFileSystemModel::directoryLoaded, this, [this] {
-        if (dir1_->currentIndex().isValid())
-            dir1_->scrollTo(dir1_->currentIndex(), QAbstractItemView::PositionAtCenter);
+        // Rows are sorted a moment after they arrive; scroll once they stand.
+        QTimer::singleShot(50, this, [this] {
+            if (dir1_->currentIndex().isValid())
+                dir1_->scrollTo(dir1_->currentIndex(), QAbstractItemView::PositionAtCenter);
+        });
     });
     connect(command3, &QPushButton::clicked, this, &SichernEinstellungen::NewFolder);
     connect(command2, &QPushButton::clicked, this, &SichernEinstellungen::OkClicked);

@@ -77,6 +77,8 @@ QString ForControl(QString text) {
 } // namespace
 
 QStringList DisplayedLines(QPlainTextEdit* edit) {
+    // A hidden box has no width to wrap at: its lines are its paragraphs.
+    if (!edit->isVisible()) return edit->toPlainText().split(QLatin1Char('\n'));
     QStringList lines;
     QTextDocument* doc = edit->document();
     for (QTextBlock b = doc->begin(); b.isValid(); b = b.next()) {

@@ -116,7 +116,7 @@ private slots:
         QCOMPARE(Text1(w), target.path());
         QVERIFY(w.findChild<QLineEdit*>(QStringLiteral("Text1"))->isReadOnly());
         QCOMPARE(w.findChild<QComboBox*>(QStringLiteral("Drive1"))->itemText(0), QStringLiteral("/"));
-        QTest::qWait(50);
+        QTest::qWait(400);
         Shot(&w, QStringLiteral("SichernEinstellungen"));
         // A folder that has gone is not shown.
         IniWrite(e.m.IniPath, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath"),
