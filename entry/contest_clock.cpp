@@ -68,7 +68,7 @@ int ReadZpmIndex(const QString& iniFile) {
     return (stored < 0 || stored >= kZpmCount) ? 0 : stored;
 }
 
-std::optional<int> ZpmClick(int index, const QString& iniFile) {
+std::optional<int> StoreZpmChoice(int index, const QString& iniFile) {
     if (index < 0 || index >= kZpmCount) return std::nullopt;
     IniWrite(iniFile, kSection, QStringLiteral("ZeitPM"), index);
     return ZeitOffsetOfIndex(index);
@@ -76,8 +76,8 @@ std::optional<int> ZpmClick(int index, const QString& iniFile) {
 
 // ---- Timer1 --------------------------------------------------------------------------
 
-DateTimeTexts Timer1Tick(const LocaleFormats& formats, const QDateTime& contestNow, bool manualTime,
-                         const QString& text1, const QString& text2) {
+DateTimeTexts DateTimeFieldTexts(const LocaleFormats& formats, const QDateTime& contestNow, bool manualTime,
+                                 const QString& text1, const QString& text2) {
     DateTimeTexts out;
     if (manualTime) return out;
     const QString time = formats.ShortTime(contestNow.time());
@@ -187,8 +187,8 @@ bool SubmissionReminders::OfferAtClosing(const QDateTime& contestNow, int gridDa
     return contestDay && gridDataRows > 0 && !OfferedPeriod1 && !OfferedPeriod2;
 }
 
-Timer4Result Timer4Tick(const LocaleFormats& formats, const QDateTime& contestNow,
-                        SubmissionReminders& reminders, int gridDataRows) {
+Timer4Result CountdownTick(const LocaleFormats& formats, const QDateTime& contestNow,
+                           SubmissionReminders& reminders, int gridDataRows) {
     Timer4Result r;
     r.offer = reminders.OfferNow(formats, contestNow.time(), gridDataRows);
     r.caption = CountdownCaption(formats, contestNow);

@@ -2,11 +2,11 @@
 //
 // The window keeps its QTimers and menu entries and asks these functions what to show
 // on each tick or click:
-//   Timer1 (date and time fields)  -> Timer1Tick()
+//   Timer1 (date and time fields)  -> DateTimeFieldTexts()
 //   Timer2 (dupe button blinking)  -> DupeButton::Tick()
 //   Timer3 (backup after an entry) -> DelayedBackup, RunDelayedBackup()
-//   Timer4 (countdown, reminders)  -> Timer4Tick() with a SubmissionReminders
-//   zpm(index) Click               -> ZpmClick(); Load reads ReadZpmIndex()
+//   Timer4 (countdown, reminders)  -> CountdownTick() with a SubmissionReminders
+//   zpm(index) Click               -> StoreZpmChoice(); Load reads ReadZpmIndex()
 //   MnDateTimeLock / MnZeitDatumLock Click -> DateTimeLockState
 //   MnCountdown Click              -> ReadCountdown() / WriteCountdown()
 // "now" is always ContestNow() of core/clock.h: the computer's clock moved by
@@ -55,7 +55,7 @@ int ZpmIndexOfOffset(int hours);
 int ReadZpmIndex(const QString& iniFile = {});
 // zpm(index) Click: writes ZeitPM and gives the new ZeitOffset. The window unchecks all
 // items and checks zpm(index). An index outside 0..24 writes nothing and gives nullopt.
-std::optional<int> ZpmClick(int index, const QString& iniFile = {});
+std::optional<int> StoreZpmChoice(int index, const QString& iniFile = {});
 
 // ---- Timer1: date and time fields ----------------------------------------------------
 
@@ -66,8 +66,8 @@ struct DateTimeTexts {
     std::optional<QString> text2; // short time
 };
 // With manualTime (MnZeitDatumLock checked) nothing changes.
-DateTimeTexts Timer1Tick(const LocaleFormats& formats, const QDateTime& contestNow, bool manualTime,
-                         const QString& text1, const QString& text2);
+DateTimeTexts DateTimeFieldTexts(const LocaleFormats& formats, const QDateTime& contestNow, bool manualTime,
+                                 const QString& text1, const QString& text2);
 
 // ---- Timer2: the dupe button ---------------------------------------------------------
 
@@ -150,8 +150,8 @@ struct Timer4Result {
 };
 // One tick of Timer4 at contestNow; gridDataRows counts the contacts in the grid (not
 // its heading row).
-Timer4Result Timer4Tick(const LocaleFormats& formats, const QDateTime& contestNow,
-                        SubmissionReminders& reminders, int gridDataRows);
+Timer4Result CountdownTick(const LocaleFormats& formats, const QDateTime& contestNow,
+                           SubmissionReminders& reminders, int gridDataRows);
 
 // ---- Date and time lock --------------------------------------------------------------
 

@@ -292,13 +292,13 @@ QStringList OperatorsToStore(const QStringList& items) {
     return items.mid(0, kMaxStoredOperators);
 }
 
-QStringList ReadOpCalls(const QString& iniFile) {
+QStringList LoadOperators(const QString& iniFile) {
     QStringList list;
     IniReadSection(iniFile, kOpCallsSection, list);
     return list;
 }
 
-void WriteOpCalls(const QStringList& items, const QString& iniFile) {
+void StoreOperators(const QStringList& items, const QString& iniFile) {
     IniDeleteSection(iniFile, kOpCallsSection);
     const QStringList kept = OperatorsToStore(items);
     if (!kept.isEmpty()) IniWriteSection(iniFile, kOpCallsSection, kept);

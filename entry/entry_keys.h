@@ -12,7 +12,7 @@
 //   Combo1 / Combo2 Click        -> BandOrModeClick(), ReportForMode()
 //   combo Change                 -> ComboMaxLength()
 //   Check1 Click                 -> Check1Look()
-//   Combo6 Enter / Click         -> OperatorEnter() / OperatorPick(), WriteOpCalls()
+//   Combo6 Enter / Click         -> OperatorEnter() / OperatorPick(), StoreOperators()
 //   DUPCommand1 / Label13 Click  -> DupeButton::Dismiss() / Label13Click()
 //   MnCallVorgabe / MnEingabe    -> CallVorgabeClick() / EingabeClick()
 // The look-ups on each key are substring searches of the call index and of the call
@@ -203,9 +203,9 @@ QStringList OperatorEnter(const QStringList& items, const QString& text);
 QStringList OperatorPick(const QStringList& items, int index);
 // The entries section OPCALLs keeps: at most the first ten.
 QStringList OperatorsToStore(const QStringList& items);
-QStringList ReadOpCalls(const QString& iniFile = {});
+QStringList LoadOperators(const QString& iniFile = {});
 // Deletes section OPCALLs and writes at most the first ten entries.
-void WriteOpCalls(const QStringList& items, const QString& iniFile = {});
+void StoreOperators(const QStringList& items, const QString& iniFile = {});
 
 // ---- Menu items of the entry ---------------------------------------------------------
 

@@ -80,7 +80,7 @@ private slots:
         const int offset = ZeitOffsetOfIndex(ReadZpmIndex(ini));
         QCOMPARE(offset, -12);
         const FixedTimeSource clock(At(15, 30));
-        const DateTimeTexts shown = Timer1Tick(Formats(), ContestNow(clock, offset), false, {}, {});
+        const DateTimeTexts shown = DateTimeFieldTexts(Formats(), ContestNow(clock, offset), false, {}, {});
         QCOMPARE(*shown.text2, QStringLiteral("03:30"));
         QCOMPARE(*shown.text1, QStringLiteral("01.05.2026"));
     }
@@ -88,22 +88,22 @@ private slots:
     void selectingMinusZeroKeepsLocalTimeAndStoresTheIndex() {
         Home h;
         const QString ini = h.model.IniPath;
-        const std::optional<int> offset = ZpmClick(12, ini);
+        const std::optional<int> offset = StoreZpmChoice(12, ini);
         QVERIFY(offset);
         QCOMPARE(*offset, 0);
         QCOMPARE(IniReadInt(ini, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM")), 12.0);
         QCOMPARE(ReadZpmIndex(ini), 12);
         const FixedTimeSource clock(At(15, 30));
-        QCOMPARE(*Timer1Tick(Formats(), ContestNow(clock, *offset), false, {}, {}).text2,
+        QCOMPARE(*DateTimeFieldTexts(Formats(), ContestNow(clock, *offset), false, {}, {}).text2,
                  QStringLiteral("15:30"));
     }
 
     void zpmClickStoresTheIndexNotTheHours() {
         Home h;
-        QCOMPARE(*ZpmClick(10, h.model.IniPath), -2);
+        QCOMPARE(*StoreZpmChoice(10, h.model.IniPath), -2);
         QCOMPARE(IniReadInt(h.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM")),
                  10.0);
-        QVERIFY(!ZpmClick(25, h.model.IniPath));
+        QVERIFY(!StoreZpmChoice(25, h.model.IniPath));
         QCOMPARE(ReadZpmIndex(h.model.IniPath), 10);
     }
 
@@ -117,7 +117,7 @@ private slots:
 
     void offsetMovesTheDateAcrossMidnight() {
         const FixedTimeSource clock(At(23, 30));
-        const DateTimeTexts shown = Timer1Tick(Formats(), ContestNow(clock, 2), false, {}, {});
+        const DateTimeTexts shown = DateTimeFieldTexts(Formats(), ContestNow(clock, 2), false, {}, {});
         QCOMPARE(*shown.text1, QStringLiteral("02.05.2026"));
         QCOMPARE(*shown.text2, QStringLiteral("01:30"));
     }
@@ -125,12 +125,12 @@ private slots:
     // ---- Timer1 ----
 
     void timer1WritesOnlyAFieldThatDiffers() {
-        const DateTimeTexts same = Timer1Tick(Formats(), At(9, 30, 45), false, QStringLiteral("01.05.2026"),
-                                              QStringLiteral("09:30"));
+        const DateTimeTexts same = DateTimeFieldTexts(Formats(), At(9, 30, 45), false,
+                                                      QStringLiteral("01.05.2026"), QStringLiteral("09:30"));
         QVERIFY(!same.text1);
         QVERIFY(!same.text2);
-        const DateTimeTexts minute =
-            Timer1Tick(Formats(), At(9, 31), false, QStringLiteral("01.05.2026"), QStringLiteral("09:30"));
+        const DateTimeTexts minute = DateTimeFieldTexts(
+            Formats(), At(9, 31), false, QStringLiteral("01.05.2026"), QStringLiteral("09:30"));
         QVERIFY(!minute.text1);
         QCOMPARE(*minute.text2, QStringLiteral("09:31"));
     }
@@ -140,12 +140,12 @@ private slots:
         lock.ClickZeitDatumLock();
         QVERIFY(lock.Timer1Paused());
         const QDateTime now = At(9, 30, 10);
-        const DateTimeTexts shown = Timer1Tick(Formats(), now, lock.Timer1Paused(),
-                                               QStringLiteral("30.04.2026"), QStringLiteral("23:59"));
+        const DateTimeTexts shown = DateTimeFieldTexts(Formats(), now, lock.Timer1Paused(),
+                                                       QStringLiteral("30.04.2026"), QStringLiteral("23:59"));
         QVERIFY(!shown.text1);
         QVERIFY(!shown.text2);
         SubmissionReminders reminders;
-        QCOMPARE(Timer4Tick(Formats(), now, reminders, 3).caption,
+        QCOMPARE(CountdownTick(Formats(), now, reminders, 3).caption,
                  Blanks() + QStringLiteral("04:29:50 bis Beginn Periode 2"));
     }
 
@@ -331,7 +331,7 @@ private slots:
         FixedTimeSource clock(At(17, 0, 58));
         int offers = 0;
         for (int tick = 0; tick < 70; ++tick) {
-            const Timer4Result res = Timer4Tick(Formats(), ContestNow(clock, 0), r, 12);
+            const Timer4Result res = CountdownTick(Formats(), ContestNow(clock, 0), r, 12);
             if (res.offer == SubmissionReminders::Period2) ++offers;
             if (tick == 20) { // a contact logged in the same minute
                 QCOMPARE(offers, 1);

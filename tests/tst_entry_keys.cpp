@@ -600,12 +600,12 @@ private slots:
         list = OperatorEnter(list, QStringLiteral("OE1XB"));
         QCOMPARE(list.size(), 12);
         QCOMPARE(list.first(), QStringLiteral("OE1XB"));
-        WriteOpCalls(list, h.model.IniPath);
-        const QStringList stored = ReadOpCalls(h.model.IniPath);
+        StoreOperators(list, h.model.IniPath);
+        const QStringList stored = LoadOperators(h.model.IniPath);
         QCOMPARE(stored, list.mid(0, 10));
         // A shorter list replaces the section whole.
-        WriteOpCalls({QStringLiteral("OE5ZZ")}, h.model.IniPath);
-        QCOMPARE(ReadOpCalls(h.model.IniPath), QStringList({QStringLiteral("OE5ZZ")}));
+        StoreOperators({QStringLiteral("OE5ZZ")}, h.model.IniPath);
+        QCOMPARE(LoadOperators(h.model.IniPath), QStringList({QStringLiteral("OE5ZZ")}));
     }
 
     void operatorListIsMostRecentFirst() {
@@ -614,9 +614,9 @@ private slots:
         for (const QString& c : {QStringLiteral("OE1AA"), QStringLiteral("OE2BB"), QStringLiteral("OE1AA"),
                                  QStringLiteral("OE3CC")}) {
             list = OperatorEnter(list, c);
-            WriteOpCalls(list, h.model.IniPath);
+            StoreOperators(list, h.model.IniPath);
         }
-        QCOMPARE(ReadOpCalls(h.model.IniPath),
+        QCOMPARE(LoadOperators(h.model.IniPath),
                  QStringList({QStringLiteral("OE3CC"), QStringLiteral("OE1AA"), QStringLiteral("OE2BB")}));
     }
 
