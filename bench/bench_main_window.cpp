@@ -174,6 +174,62 @@ void StartBench(Model& base, int count) {
     std::printf("Start to a usable window, log of %6d contacts: %8.2f ms\n", count, Median(t));
 }
 
+// A picture of the main window with a log of a busy morning, for the manual.
+void Screenshot(Model& base, const QString& path, int width, int height) {
+    const QString name = QStringLiteral("OE3XYZ_ZEFT.KOLBO");
+    WriteLog(base, name, 0);
+    Session s(name);
+    IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ErwEeingabe"), -1);
+    IniWriteSection(base.IniPath, QStringLiteral("OPCALLs"), {QStringLiteral("OE3XYZ"), QStringLiteral("OE3ABC")});
+    if (!s.window->Load()) return;
+    s.window->resize(width, height);
+    auto* call = s.window->findChild<QLineEdit*>(QStringLiteral("Text3"));
+    auto* note = s.window->findChild<QLineEdit*>(QStringLiteral("Text8"));
+    auto* band = s.window->findChild<QComboBox*>(QStringLiteral("Combo1"));
+    auto* mode = s.window->findChild<QComboBox*>(QStringLiteral("Combo2"));
+    auto* bezirk = s.window->findChild<QComboBox*>(QStringLiteral("Combo5"));
+    const char* calls[] = {"OE3KLU", "OE1WHC", "OE6MBG", "OE5RNL", "OE3DMA", "OE8AIK", "OE1DVA", "OE3PHE",
+                           "OE2UKL", "OE9HRV", "OE4KMU", "OE7FTJ", "OE3RPB", "OE1SSB/P", "OE6POD", "OE5HSN",
+                           "OE3KLU", "OE1MCU", "OE3BKW", "OE6FEG", "OE3WGW", "OE5XBR", "OE1TKW"};
+    QRandomGenerator rng(3);
+    QTime t(5, 1, 0);
+    for (int i = 0; i < int(std::size(calls)); ++i) {
+        s.clock.Set(QDateTime(QDate(2026, 5, 1), t));
+        s.window->Timer1Tick();
+        band->setCurrentIndex(i < 12 ? 1 : 0);
+        mode->setCurrentIndex(i % 5 == 3 ? 1 : 0);
+        call->setText(QString::fromLatin1(calls[i]));
+        bezirk->setEditText(QString::fromLatin1(kCodes[rng.bounded(4)]));
+        if (i == 7) note->setText(QStringLiteral("Notstrom"));
+        if (i == 16) { // the same station again: logged as a dupe
+            s.dialogs.AnswerMsgBox(Msg::Yes);
+            band->setCurrentIndex(1);
+            mode->setCurrentIndex(0);
+        }
+        s.window->Uebernehmen();
+        t = t.addSecs(60 + int(rng.bounded(240)));
+    }
+    s.clock.Set(QDateTime(QDate(2026, 5, 1), t));
+    s.window->Timer1Tick();
+    call->setText(QStringLiteral("OE"));
+    s.window->Uebernehmen(); // leaves its message in the message line
+    QCoreApplication::processEvents();
+    if (qEnvironmentVariableIsSet("KOLIBRINO_SCREENSHOT_DEBUG")) {
+        for (const char* n : {"Central", "Picture3", "Picture4", "Label13", "MSFlexGrid1", "Frame1", "Combo6"}) {
+            QWidget* w = s.window->findChild<QWidget*>(QString::fromLatin1(n));
+            std::printf("%s geo %d,%d %dx%d hint %dx%d min %dx%d\n", n, w->x(), w->y(), w->width(), w->height(),
+                        w->sizeHint().width(), w->sizeHint().height(), w->minimumSizeHint().width(),
+                        w->minimumSizeHint().height());
+        }
+        std::printf("window %dx%d min %dx%d\n", s.window->width(), s.window->height(), s.window->minimumSizeHint().width(),
+                    s.window->minimumSizeHint().height());
+    }
+    s.window->grab().save(path);
+    std::printf("Screenshot %dx%d written to %s\n", width, height, qPrintable(path));
+    s.window->Timer3().stop();
+    s.window->close();
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -185,6 +241,12 @@ int main(int argc, char** argv) {
     SetupFolders(base);
     WriteDistricts(base.DataFolder);
     IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM"), 12);
+    // KOLIBRINO_SCREENSHOT=path[,width,height]: only the picture, no figures.
+    const QStringList shot = qEnvironmentVariable("KOLIBRINO_SCREENSHOT").split(QLatin1Char(','));
+    if (!shot.first().isEmpty()) {
+        Screenshot(base, shot.first(), shot.size() > 2 ? shot[1].toInt() : 1040, shot.size() > 2 ? shot[2].toInt() : 640);
+        return 0;
+    }
     std::printf("Main window figures (medians), data folder %s\n", qPrintable(home.path()));
     EnterBench(base, 1000);
     EnterBench(base, 10000);

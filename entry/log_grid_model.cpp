@@ -4,6 +4,7 @@
 #include "core/vb_text.h"
 
 #include <QColor>
+#include <QFont>
 #include <algorithm>
 #include <numeric>
 
@@ -89,6 +90,13 @@ QVariant LogGridModel::data(const QModelIndex& index, int role) const {
             if (col == index.column()) return QColor(Qt::white);
         return {};
     case Qt::TextAlignmentRole: return QVariant::fromValue(kColumns[index.column()].align);
+    case Qt::FontRole:
+        if (index.column() == kGridColCall) {
+            QFont bold;
+            bold.setBold(true);
+            return bold;
+        }
+        return {};
     default: return {};
     }
 }

@@ -47,6 +47,8 @@ void LogGridView::SetGrid1() {
         const int sample = fm.horizontalAdvance(QString::fromLatin1(kSampleText[c])) + 12;
         setColumnWidth(c, std::max({design, heading, sample}));
     }
+    // The note takes what width is left over.
+    horizontalHeader()->setSectionResizeMode(9, QHeaderView::Stretch);
     if (model() && model()->rowCount() > 0) setCurrentIndex(model()->index(0, 0));
 }
 
@@ -58,6 +60,11 @@ int LogGridView::VisibleRows() const {
 void LogGridView::KeepLastRowInView() {
     if (!model() || model()->rowCount() == 0) return;
     scrollToBottom();
+}
+
+void LogGridView::resizeEvent(QResizeEvent* event) {
+    QTableView::resizeEvent(event);
+    KeepLastRowInView();
 }
 
 void LogGridView::mousePressEvent(QMouseEvent* event) {

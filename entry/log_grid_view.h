@@ -28,6 +28,8 @@ signals:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    // A grid that changes its height keeps its last row in view.
+    void resizeEvent(QResizeEvent* event) override;
 };
 
 } // namespace kolibrino

@@ -118,27 +118,34 @@ void HauptForm::BuildEntryArea(QWidget* host) {
     label10_->setStyleSheet(QStringLiteral("color: #00008B;"));
     label10_->hide();
     fields->addWidget(label10_, 2, 4, 1, 4);
-    line->addLayout(fields, 1);
+    auto* fieldsAtBottom = new QVBoxLayout;
+    fieldsAtBottom->addStretch(1);
+    fieldsAtBottom->addLayout(fields);
+    line->addLayout(fieldsAtBottom, 1);
 
     // Own station: call as the frame's caption, own district inside, current operator.
-    frame1_ = new QGroupBox(picture3_);
+    frame1_ = new QGroupBox(QStringLiteral(" "), picture3_); // room for the call from the start
     frame1_->setObjectName(QStringLiteral("Frame1"));
-    auto* frameLayout = new QGridLayout(frame1_);
-    frameLayout->setContentsMargins(8, 4, 8, 4);
-    frameLayout->setVerticalSpacing(2);
+    auto* frameLayout = new QHBoxLayout(frame1_);
+    frameLayout->setContentsMargins(8, 2, 8, 6);
+    frameLayout->setSpacing(10);
     label12_ = new QLabel(frame1_);
     label12_->setObjectName(QStringLiteral("Label12"));
     QFont bz = font;
     bz.setBold(true);
     label12_->setFont(bz);
     label12_->setToolTip(QStringLiteral("Eigener Bezirk"));
+    label12_->setMinimumWidth(QFontMetrics(bz).horizontalAdvance(QStringLiteral("WW")) + 8);
     combo6_ = MakeCombo(frame1_, "Combo6", QStringLiteral("Call des aktuellen Operators"), nullptr, true);
     combo6_->setMinimumWidth(QFontMetrics(combo6_->font()).horizontalAdvance(QStringLiteral("OE9WWW/PM")) + 40);
-    frameLayout->addWidget(label12_, 0, 0, 2, 1, Qt::AlignCenter);
-    frameLayout->addWidget(Caption(frame1_, QStringLiteral("Aktueller Operator"), combo6_), 0, 1);
-    frameLayout->addWidget(combo6_, 1, 1);
-    frameLayout->setColumnMinimumWidth(0, QFontMetrics(bz).horizontalAdvance(QStringLiteral("WW")) + 16);
-    line->addWidget(frame1_, 0, Qt::AlignTop);
+    auto* opColumn = new QVBoxLayout;
+    opColumn->setSpacing(1);
+    opColumn->addWidget(Caption(frame1_, QStringLiteral("Aktueller Operator"), combo6_));
+    opColumn->addWidget(combo6_);
+    frameLayout->addWidget(label12_, 0, Qt::AlignVCenter);
+    frameLayout->addLayout(opColumn);
+    line->addWidget(frame1_);
+    picture3_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     outer->addWidget(picture3_);
 
     // The extended panel: QSL and note.
@@ -158,6 +165,7 @@ void HauptForm::BuildEntryArea(QWidget* host) {
     notiz->setBuddy(text8_);
     ext->addWidget(notiz);
     ext->addWidget(text8_, 1);
+    picture4_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     picture4_->hide();
     outer->addWidget(picture4_);
 
@@ -166,7 +174,7 @@ void HauptForm::BuildEntryArea(QWidget* host) {
     label13_->setObjectName(QStringLiteral("Label13"));
     label13_->setFont(font);
     label13_->setStyleSheet(QStringLiteral("color: #C00000; font-weight: bold;"));
-    label13_->setMinimumHeight(QFontMetrics(font).height() + 4);
+    label13_->setFixedHeight(QFontMetrics(font).height() + 4);
     outer->addWidget(label13_);
 
     static_cast<QVBoxLayout*>(host->layout())->addLayout(outer);
