@@ -45,7 +45,8 @@ const char* const kCodes[] = {"WI", "MD", "GZ", "ZZ"};
 void WriteDistricts(const QString& dataFolder) {
     QFile f(dataFolder + QStringLiteral("bez_koord.txt"));
     if (!f.open(QIODevice::WriteOnly)) return;
-    f.write("WI;500;200;Wien;1;\r\nMD;480;230;M\xf6" "dling;3;\r\nGZ;420;420;Graz;6;\r\nZZ;10;10;Testbezirk;9;\r\n");
+    f.write("WI;500;200;Wien;1;\r\nMD;480;230;M\xf6"
+            "dling;3;\r\nGZ;420;420;Graz;6;\r\nZZ;10;10;Testbezirk;9;\r\n");
 }
 
 // A log of count contacts with random calls, bands, modes and times in both periods.
@@ -113,7 +114,9 @@ void EnterBench(Model& base, int count) {
     std::vector<double> enter, plain;
     const QString plainPath = s.model.LogFolder + QStringLiteral("plain.bin");
     for (int i = 0; i < 21; ++i) {
-        call->setText(QStringLiteral("OE9N%1").arg(i, 3, 10, QLatin1Char('0')).replace(QLatin1Char('0'), QLatin1Char('A')));
+        call->setText(QStringLiteral("OE9N%1")
+                          .arg(i, 3, 10, QLatin1Char('0'))
+                          .replace(QLatin1Char('0'), QLatin1Char('A')));
         bezirk->setEditText(QString::fromLatin1(kCodes[i % 4]));
         const size_t before = s.model.LogRecords.size();
         enter.push_back(ElapsedMs([&] { s.window->Uebernehmen(); }));
@@ -129,10 +132,11 @@ void EnterBench(Model& base, int count) {
         atomic.push_back(ElapsedMs([&] { WriteLogFile(s.model); }));
     }
     const double e = Median(enter), p = Median(plain);
-    std::printf("Enter to file written, log of %6d contacts: %8.2f ms   plain write+fsync: %8.2f ms   ratio %.2f\n",
-                count, e, p, e / p);
-    std::printf("  of which: encoding the text %.2f ms, the atomic write (with its encoding) %.2f ms\n", Median(encode),
-                Median(atomic));
+    std::printf(
+        "Enter to file written, log of %6d contacts: %8.2f ms   plain write+fsync: %8.2f ms   ratio %.2f\n",
+        count, e, p, e / p);
+    std::printf("  of which: encoding the text %.2f ms, the atomic write (with its encoding) %.2f ms\n",
+                Median(encode), Median(atomic));
     s.window->close();
 }
 
@@ -142,11 +146,14 @@ void RefillBench(Model& base, int count) {
     Session s(name);
     if (!s.window->Load()) return;
     std::vector<double> window, logic;
-    for (int i = 0; i < 5; ++i) window.push_back(ElapsedMs([&] { s.window->DatenInGrid1Neu(); }));
+    for (int i = 0; i < 5; ++i)
+        window.push_back(ElapsedMs([&] { s.window->DatenInGrid1Neu(); }));
     LogGridModel grid(s.model.Formats);
-    for (int i = 0; i < 5; ++i) logic.push_back(ElapsedMs([&] { DatenInGrid1Neu(s.model, grid); }));
-    std::printf("DatenInGrid1Neu, %6d contacts: %8.2f ms in the window   (rows and counters alone: %.2f ms)\n", count,
-                Median(window), Median(logic));
+    for (int i = 0; i < 5; ++i)
+        logic.push_back(ElapsedMs([&] { DatenInGrid1Neu(s.model, grid); }));
+    std::printf(
+        "DatenInGrid1Neu, %6d contacts: %8.2f ms in the window   (rows and counters alone: %.2f ms)\n", count,
+        Median(window), Median(logic));
     s.window->close();
 }
 
@@ -180,7 +187,8 @@ void Screenshot(Model& base, const QString& path, int width, int height) {
     WriteLog(base, name, 0);
     Session s(name);
     IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ErwEeingabe"), -1);
-    IniWriteSection(base.IniPath, QStringLiteral("OPCALLs"), {QStringLiteral("OE3XYZ"), QStringLiteral("OE3ABC")});
+    IniWriteSection(base.IniPath, QStringLiteral("OPCALLs"),
+                    {QStringLiteral("OE3XYZ"), QStringLiteral("OE3ABC")});
     if (!s.window->Load()) return;
     s.window->resize(width, height);
     auto* call = s.window->findChild<QLineEdit*>(QStringLiteral("Text3"));
@@ -188,9 +196,9 @@ void Screenshot(Model& base, const QString& path, int width, int height) {
     auto* band = s.window->findChild<QComboBox*>(QStringLiteral("Combo1"));
     auto* mode = s.window->findChild<QComboBox*>(QStringLiteral("Combo2"));
     auto* bezirk = s.window->findChild<QComboBox*>(QStringLiteral("Combo5"));
-    const char* calls[] = {"OE3KLU", "OE1WHC", "OE6MBG", "OE5RNL", "OE3DMA", "OE8AIK", "OE1DVA", "OE3PHE",
+    const char* calls[] = {"OE3KLU", "OE1WHC", "OE6MBG", "OE5RNL", "OE3DMA", "OE8AIK",   "OE1DVA", "OE3PHE",
                            "OE2UKL", "OE9HRV", "OE4KMU", "OE7FTJ", "OE3RPB", "OE1SSB/P", "OE6POD", "OE5HSN",
-                           "OE3KLU", "OE1MCU", "OE3BKW", "OE6FEG", "OE3WGW", "OE5XBR", "OE1TKW"};
+                           "OE3KLU", "OE1MCU", "OE3BKW", "OE6FEG", "OE3WGW", "OE5XBR",   "OE1TKW"};
     QRandomGenerator rng(3);
     QTime t(5, 1, 0);
     for (int i = 0; i < int(std::size(calls)); ++i) {
@@ -215,14 +223,15 @@ void Screenshot(Model& base, const QString& path, int width, int height) {
     s.window->Uebernehmen(); // leaves its message in the message line
     QCoreApplication::processEvents();
     if (qEnvironmentVariableIsSet("KOLIBRINO_SCREENSHOT_DEBUG")) {
-        for (const char* n : {"Central", "Picture3", "Picture4", "Label13", "MSFlexGrid1", "Frame1", "Combo6"}) {
+        for (const char* n :
+             {"Central", "Picture3", "Picture4", "Label13", "MSFlexGrid1", "Frame1", "Combo6"}) {
             QWidget* w = s.window->findChild<QWidget*>(QString::fromLatin1(n));
-            std::printf("%s geo %d,%d %dx%d hint %dx%d min %dx%d\n", n, w->x(), w->y(), w->width(), w->height(),
-                        w->sizeHint().width(), w->sizeHint().height(), w->minimumSizeHint().width(),
-                        w->minimumSizeHint().height());
+            std::printf("%s geo %d,%d %dx%d hint %dx%d min %dx%d\n", n, w->x(), w->y(), w->width(),
+                        w->height(), w->sizeHint().width(), w->sizeHint().height(),
+                        w->minimumSizeHint().width(), w->minimumSizeHint().height());
         }
-        std::printf("window %dx%d min %dx%d\n", s.window->width(), s.window->height(), s.window->minimumSizeHint().width(),
-                    s.window->minimumSizeHint().height());
+        std::printf("window %dx%d min %dx%d\n", s.window->width(), s.window->height(),
+                    s.window->minimumSizeHint().width(), s.window->minimumSizeHint().height());
     }
     s.window->grab().save(path);
     std::printf("Screenshot %dx%d written to %s\n", width, height, qPrintable(path));
@@ -244,7 +253,8 @@ int main(int argc, char** argv) {
     // KOLIBRINO_SCREENSHOT=path[,width,height]: only the picture, no figures.
     const QStringList shot = qEnvironmentVariable("KOLIBRINO_SCREENSHOT").split(QLatin1Char(','));
     if (!shot.first().isEmpty()) {
-        Screenshot(base, shot.first(), shot.size() > 2 ? shot[1].toInt() : 1040, shot.size() > 2 ? shot[2].toInt() : 640);
+        Screenshot(base, shot.first(), shot.size() > 2 ? shot[1].toInt() : 1040,
+                   shot.size() > 2 ? shot[2].toInt() : 640);
         return 0;
     }
     std::printf("Main window figures (medians), data folder %s\n", qPrintable(home.path()));

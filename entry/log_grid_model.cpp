@@ -45,7 +45,9 @@ QColor ColorOfBgr(int bgr) {
 // has another shape.
 int MinuteOfDay(const QString& t, QChar sep) {
     if (t.size() != 8 || t[2] != sep || t[5] != sep) return -1;
-    auto digit = [&](int i) { return t[i].unicode() >= '0' && t[i].unicode() <= '9' ? t[i].unicode() - '0' : -100; };
+    auto digit = [&](int i) {
+        return t[i].unicode() >= '0' && t[i].unicode() <= '9' ? t[i].unicode() - '0' : -100;
+    };
     const int h = digit(0) * 10 + digit(1);
     const int m = digit(3) * 10 + digit(4);
     if (h < 0 || h > 23 || m < 0 || m > 59) return -1;
@@ -80,7 +82,8 @@ QVariant LogGridModel::data(const QModelIndex& index, int role) const {
     const GridRow& row = rows_[size_t(index.row())];
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::EditRole: return row.cells[size_t(index.column())];
+    case Qt::EditRole:
+        return row.cells[size_t(index.column())];
     case Qt::BackgroundRole:
         for (const auto& [col, bgr] : row.backColors)
             if (col == index.column()) return ColorOfBgr(bgr);
@@ -89,7 +92,8 @@ QVariant LogGridModel::data(const QModelIndex& index, int role) const {
         for (const auto& [col, bgr] : row.backColors)
             if (col == index.column()) return QColor(Qt::white);
         return {};
-    case Qt::TextAlignmentRole: return QVariant::fromValue(kColumns[index.column()].align);
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(kColumns[index.column()].align);
     case Qt::FontRole:
         if (index.column() == kGridColCall) {
             QFont bold;
@@ -97,7 +101,8 @@ QVariant LogGridModel::data(const QModelIndex& index, int role) const {
             return bold;
         }
         return {};
-    default: return {};
+    default:
+        return {};
     }
 }
 
@@ -132,8 +137,10 @@ void LogGridModel::SetBackColor(int row, int column, int bgr) {
     if (row < 0 || row >= int(rows_.size()) || column < 0 || column >= kGridColumns) return;
     auto& colors = rows_[size_t(row)].backColors;
     auto it = std::find_if(colors.begin(), colors.end(), [&](const auto& p) { return p.first == column; });
-    if (it != colors.end()) it->second = bgr;
-    else colors.emplace_back(column, bgr);
+    if (it != colors.end())
+        it->second = bgr;
+    else
+        colors.emplace_back(column, bgr);
     const QModelIndex i = index(row, column);
     emit dataChanged(i, i, {Qt::BackgroundRole, Qt::ForegroundRole});
 }
@@ -209,37 +216,55 @@ void LogGridModel::Sort(int sortMode) {
     if (sortMode == GridSort::ZeitAuf || sortMode == GridSort::ZeitAb) {
         // One conversion per row, not one per comparison.
         std::vector<int> secs(n);
-        for (size_t i = 0; i < n; ++i) secs[i] = formats_.TimeSeconds(rows_[i].cells[kGridColZeit]).value_or(-1);
+        for (size_t i = 0; i < n; ++i)
+            secs[i] = formats_.TimeSeconds(rows_[i].cells[kGridColZeit]).value_or(-1);
         if (sortMode == GridSort::ZeitAuf)
-            std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return secs[a] < secs[b]; });
+            std::stable_sort(order.begin(), order.end(),
+                             [&](size_t a, size_t b) { return secs[a] < secs[b]; });
         else
-            std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return secs[a] > secs[b]; });
+            std::stable_sort(order.begin(), order.end(),
+                             [&](size_t a, size_t b) { return secs[a] > secs[b]; });
     } else {
         int column = -1;
         bool ascending = true;
         switch (sortMode) {
-        case GridSort::RufzeichenAuf: column = kGridColCall; break;
-        case GridSort::RufzeichenAb: column = kGridColCall; ascending = false; break;
-        case GridSort::BezirkAuf: column = kGridColBezirk; break;
-        case GridSort::BezirkAb: column = kGridColBezirk; ascending = false; break;
-        default: return;
+        case GridSort::RufzeichenAuf:
+            column = kGridColCall;
+            break;
+        case GridSort::RufzeichenAb:
+            column = kGridColCall;
+            ascending = false;
+            break;
+        case GridSort::BezirkAuf:
+            column = kGridColBezirk;
+            break;
+        case GridSort::BezirkAb:
+            column = kGridColBezirk;
+            ascending = false;
+            break;
+        default:
+            return;
         }
         std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
-            const int c = rows_[a].cells[size_t(column)].compare(rows_[b].cells[size_t(column)], Qt::CaseInsensitive);
+            const int c =
+                rows_[a].cells[size_t(column)].compare(rows_[b].cells[size_t(column)], Qt::CaseInsensitive);
             return ascending ? c < 0 : c > 0;
         });
     }
     emit layoutAboutToBeChanged();
     const QModelIndexList before = persistentIndexList();
     std::vector<int> newPlace(n);
-    for (size_t i = 0; i < n; ++i) newPlace[order[i]] = int(i);
+    for (size_t i = 0; i < n; ++i)
+        newPlace[order[i]] = int(i);
     std::vector<GridRow> sorted;
     sorted.reserve(n);
-    for (size_t i : order) sorted.push_back(std::move(rows_[i]));
+    for (size_t i : order)
+        sorted.push_back(std::move(rows_[i]));
     rows_ = std::move(sorted);
     QModelIndexList after;
     after.reserve(before.size());
-    for (const QModelIndex& i : before) after << index(newPlace[size_t(i.row())], i.column());
+    for (const QModelIndex& i : before)
+        after << index(newPlace[size_t(i.row())], i.column());
     changePersistentIndexList(before, after);
     emit layoutChanged();
 }
@@ -247,7 +272,8 @@ void LogGridModel::Sort(int sortMode) {
 void DatenInGrid1Neu(Model& m, LogGridModel& grid) {
     std::vector<GridRow> rows;
     rows.reserve(m.LogRecords.size());
-    for (const QsoRecord& r : m.LogRecords) rows.push_back(grid.RowOfRecord(r));
+    for (const QsoRecord& r : m.LogRecords)
+        rows.push_back(grid.RowOfRecord(r));
     grid.SetRows(std::move(rows));
     RebuildTallies(m);
 }

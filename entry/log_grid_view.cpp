@@ -12,8 +12,8 @@ namespace {
 
 // Typical widest contents of the visible columns, so that no cell is cut off when the
 // grid's font is larger than the design font.
-const char* const kSampleText[kGridFirstHidden] = {"00.00.0000", "00:00", "80m", "Mode", "OE9XYZ/P",
-                                                     "RSTs", "RSTe", "BZ", "QSL", "", "OE0ABC", "Dupe"};
+const char* const kSampleText[kGridFirstHidden] = {"00.00.0000", "00:00", "80m", "Mode", "OE9XYZ/P", "RSTs",
+                                                   "RSTe",       "BZ",    "QSL", "",     "OE0ABC",   "Dupe"};
 
 } // namespace
 

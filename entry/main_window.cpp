@@ -2,9 +2,8 @@
 // minimise and restore, and the hand-over of companion windows.
 #include "entry/main_window.h"
 
-#include "entry/log_grid_view.h"
-
 #include "core/backup.h"
+#include "entry/log_grid_view.h"
 
 #include <QAction>
 #include <QApplication>
@@ -113,7 +112,8 @@ void HauptForm::Timer2Tick() {
 void HauptForm::Timer3Tick() {
     timer3_.stop();
     if (m_.CurrentLogName.isEmpty()) return;
-    BackupFile(dialogs_, m_.LogFolder + m_.CurrentLogName, m_.BackupFolder + m_.CurrentLogName, m_.ExtraBackupPath);
+    BackupFile(dialogs_, m_.LogFolder + m_.CurrentLogName, m_.BackupFolder + m_.CurrentLogName,
+               m_.ExtraBackupPath);
 }
 
 void HauptForm::RegisterCompanion(Companion id, QWidget* window) {

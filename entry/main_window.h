@@ -104,10 +104,10 @@ public:
     QString OeCallListText;
 
     // Hooks for the windows of other parts of the program and for tests.
-    std::function<void()> logChooser;                  // the log chooser window
-    std::function<void()> logEinsenden;                // submission of the log
-    std::function<bool(const QUrl&)> openUrl;          // the desktop's shell (browser, files)
-    std::function<void(Companion)> companionOpener;    // shows a companion window modeless
+    std::function<void()> logChooser;                   // the log chooser window
+    std::function<void()> logEinsenden;                 // submission of the log
+    std::function<bool(const QUrl&)> openUrl;           // the desktop's shell (browser, files)
+    std::function<void(Companion)> companionOpener;     // shows a companion window modeless
     std::function<void(const QString&)> bzKarteFuellen; // district map: colour a district
     std::function<void(const QString&, int, const QString&)> gridKarteCellColor; // multiplier table
     std::function<std::optional<float>(int)> frequenzOf;                         // frequency window

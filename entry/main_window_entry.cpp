@@ -1,9 +1,8 @@
 // The entry area of the main window and the logging of one contact: the window reads
 // its fields, the logic in qso_entry decides and records, the window shows the result.
+#include "core/backup.h"
 #include "entry/log_grid_view.h"
 #include "entry/main_window.h"
-
-#include "core/backup.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -26,8 +25,8 @@ QFont EntryFont() {
     return f;
 }
 
-QLineEdit* MakeText(QWidget* parent, const char* name, const QString& tip, const QString& initial, const QFont& font,
-                    const QString& widthSample) {
+QLineEdit* MakeText(QWidget* parent, const char* name, const QString& tip, const QString& initial,
+                    const QFont& font, const QString& widthSample) {
     auto* e = new QLineEdit(initial, parent);
     e->setObjectName(QString::fromLatin1(name));
     e->setToolTip(tip);
@@ -36,7 +35,8 @@ QLineEdit* MakeText(QWidget* parent, const char* name, const QString& tip, const
     return e;
 }
 
-QComboBox* MakeCombo(QWidget* parent, const char* name, const QString& tip, const QFont* font, bool editable) {
+QComboBox* MakeCombo(QWidget* parent, const char* name, const QString& tip, const QFont* font,
+                     bool editable) {
     auto* c = new QComboBox(parent);
     c->setObjectName(QString::fromLatin1(name));
     c->setToolTip(tip);
@@ -80,24 +80,28 @@ void HauptForm::BuildEntryArea(QWidget* host) {
 
     text1_ = MakeText(picture3_, "Text1", QStringLiteral("Datum"), QStringLiteral("00.00.0000"), font,
                       QStringLiteral("00.00.00000"));
-    text2_ = MakeText(picture3_, "Text2", QStringLiteral("Uhrzeit"), QStringLiteral("00:00"), font, QStringLiteral("00:000"));
+    text2_ = MakeText(picture3_, "Text2", QStringLiteral("Uhrzeit"), QStringLiteral("00:00"), font,
+                      QStringLiteral("00:000"));
     combo1_ = MakeCombo(picture3_, "Combo1", QStringLiteral("TX Band"), &font, false);
     combo1_->addItems({QStringLiteral("40m"), QStringLiteral("80m"), QStringLiteral("30m")});
     combo2_ = MakeCombo(picture3_, "Combo2", QStringLiteral("TX Mode"), &font, false);
     combo2_->addItems({QStringLiteral("SSB"), QStringLiteral("CW")});
     text3_ = MakeText(picture3_, "Text3", QStringLiteral("Rufzeichen der Gegenstation"), QString(), font,
                       QStringLiteral("OE9WWW/PM"));
-    text4_ = MakeText(picture3_, "Text4", QStringLiteral("RST gesendet"), QStringLiteral("599"), font, QStringLiteral("5999"));
-    text5_ = MakeText(picture3_, "Text5", QStringLiteral("RST empfangen"), QStringLiteral("599"), font, QStringLiteral("5999"));
+    text4_ = MakeText(picture3_, "Text4", QStringLiteral("RST gesendet"), QStringLiteral("599"), font,
+                      QStringLiteral("5999"));
+    text5_ = MakeText(picture3_, "Text5", QStringLiteral("RST empfangen"), QStringLiteral("599"), font,
+                      QStringLiteral("5999"));
     combo5_ = MakeCombo(picture3_, "Combo5", QStringLiteral("BEZIRK empfangen"), &font, true);
     combo5_->setMinimumWidth(QFontMetrics(font).horizontalAdvance(QStringLiteral("WWW")) + 40);
     text1_->setMaxLength(10);
     text3_->setMaxLength(13);
 
     const QList<QPair<QString, QWidget*>> row = {
-        {QStringLiteral("Datum"), text1_},      {QStringLiteral("Zeit"), text2_}, {QStringLiteral("Band"), combo1_},
-        {QStringLiteral("Mode"), combo2_},      {QStringLiteral("Rufzeichen"), text3_},
-        {QStringLiteral("RSTs"), text4_},       {QStringLiteral("RSTe"), text5_}, {QStringLiteral("BZ"), combo5_},
+        {QStringLiteral("Datum"), text1_},      {QStringLiteral("Zeit"), text2_},
+        {QStringLiteral("Band"), combo1_},      {QStringLiteral("Mode"), combo2_},
+        {QStringLiteral("Rufzeichen"), text3_}, {QStringLiteral("RSTs"), text4_},
+        {QStringLiteral("RSTe"), text5_},       {QStringLiteral("BZ"), combo5_},
     };
     for (int i = 0; i < row.size(); ++i) {
         fields->addWidget(Caption(picture3_, row[i].first, row[i].second), 0, i);
@@ -137,7 +141,8 @@ void HauptForm::BuildEntryArea(QWidget* host) {
     label12_->setToolTip(QStringLiteral("Eigener Bezirk"));
     label12_->setMinimumWidth(QFontMetrics(bz).horizontalAdvance(QStringLiteral("WW")) + 8);
     combo6_ = MakeCombo(frame1_, "Combo6", QStringLiteral("Call des aktuellen Operators"), nullptr, true);
-    combo6_->setMinimumWidth(QFontMetrics(combo6_->font()).horizontalAdvance(QStringLiteral("OE9WWW/PM")) + 40);
+    combo6_->setMinimumWidth(QFontMetrics(combo6_->font()).horizontalAdvance(QStringLiteral("OE9WWW/PM")) +
+                             40);
     auto* opColumn = new QVBoxLayout;
     opColumn->setSpacing(1);
     opColumn->addWidget(Caption(frame1_, QStringLiteral("Aktueller Operator"), combo6_));
@@ -157,9 +162,11 @@ void HauptForm::BuildEntryArea(QWidget* host) {
     check1_ = new QCheckBox(QStringLiteral("QSL NEIN"), picture4_);
     check1_->setObjectName(QStringLiteral("Check1"));
     check1_->setToolTip(QStringLiteral("QSL JA/NEIN"));
-    connect(check1_, &QCheckBox::toggled, this,
-            [this](bool on) { check1_->setText(on ? QStringLiteral("QSL JA") : QStringLiteral("QSL NEIN")); });
-    text8_ = MakeText(picture4_, "Text8", QStringLiteral("Bemerkungen"), QString(), font, QStringLiteral("Bemerkung"));
+    connect(check1_, &QCheckBox::toggled, this, [this](bool on) {
+        check1_->setText(on ? QStringLiteral("QSL JA") : QStringLiteral("QSL NEIN"));
+    });
+    text8_ = MakeText(picture4_, "Text8", QStringLiteral("Bemerkungen"), QString(), font,
+                      QStringLiteral("Bemerkung"));
     ext->addWidget(check1_);
     auto* notiz = new QLabel(QStringLiteral("Notiz:"), picture4_);
     notiz->setBuddy(text8_);
@@ -180,8 +187,8 @@ void HauptForm::BuildEntryArea(QWidget* host) {
     static_cast<QVBoxLayout*>(host->layout())->addLayout(outer);
 
     // Enter in any of these fields logs the contact.
-    for (QWidget* w : std::initializer_list<QWidget*>{text1_, text2_, text3_, text4_, text5_, text8_, combo1_, combo2_,
-                                                       combo5_, check1_}) {
+    for (QWidget* w : std::initializer_list<QWidget*>{text1_, text2_, text3_, text4_, text5_, text8_, combo1_,
+                                                      combo2_, combo5_, check1_}) {
         w->installEventFilter(this);
     }
     combo5_->lineEdit()->installEventFilter(this);
@@ -195,7 +202,8 @@ void HauptForm::BuildEntryArea(QWidget* host) {
         dupCommand1_->setStyleSheet(QString());
         text3_->setFocus();
     });
-    QWidget* const order[] = {text1_, text2_, combo1_, combo2_, text3_, text4_, text5_, combo5_, check1_, text8_, combo6_};
+    QWidget* const order[] = {text1_, text2_,  combo1_, combo2_, text3_, text4_,
+                              text5_, combo5_, check1_, text8_,  combo6_};
     for (size_t i = 0; i + 1 < std::size(order); ++i)
         setTabOrder(order[i], order[i + 1]);
 }
@@ -221,15 +229,32 @@ EntryFields HauptForm::ReadEntryFields() const {
 void HauptForm::FocusField(EntryFocus field) {
     QWidget* w = nullptr;
     switch (field) {
-    case EntryFocus::Text1: w = text1_; break;
-    case EntryFocus::Text2: w = text2_; break;
-    case EntryFocus::Text3: w = text3_; break;
-    case EntryFocus::Text4: w = text4_; break;
-    case EntryFocus::Text5: w = text5_; break;
-    case EntryFocus::Combo1: w = combo1_; break;
-    case EntryFocus::Combo2: w = combo2_; break;
-    case EntryFocus::Combo5: w = combo5_; break;
-    case EntryFocus::None: return;
+    case EntryFocus::Text1:
+        w = text1_;
+        break;
+    case EntryFocus::Text2:
+        w = text2_;
+        break;
+    case EntryFocus::Text3:
+        w = text3_;
+        break;
+    case EntryFocus::Text4:
+        w = text4_;
+        break;
+    case EntryFocus::Text5:
+        w = text5_;
+        break;
+    case EntryFocus::Combo1:
+        w = combo1_;
+        break;
+    case EntryFocus::Combo2:
+        w = combo2_;
+        break;
+    case EntryFocus::Combo5:
+        w = combo5_;
+        break;
+    case EntryFocus::None:
+        return;
     }
     w->setFocus(Qt::OtherFocusReason);
 }
@@ -258,11 +283,13 @@ void HauptForm::Uebernehmen() {
     if (m_.Open.Statistik) emit statistikRefreshRequested();
     timer3_.start();
     if (Action(QStringLiteral("MnAutomatischesSichern"))->isChecked() && !m_.ExtraBackupPath.isEmpty())
-        BackupFile(dialogs_, m_.LogFolder + m_.CurrentLogName, m_.ExtraBackupPath + m_.CurrentLogName, m_.ExtraBackupPath);
+        BackupFile(dialogs_, m_.LogFolder + m_.CurrentLogName, m_.ExtraBackupPath + m_.CurrentLogName,
+                   m_.ExtraBackupPath);
     ResetEntry();
     OfferedPeriod1 = false;
     OfferedPeriod2 = false;
-    if (gridView_->currentIndex().row() == grid_.DataRows() - 1 && m_.Open.LogTracker) emit trackerRefreshRequested();
+    if (gridView_->currentIndex().row() == grid_.DataRows() - 1 && m_.Open.LogTracker)
+        emit trackerRefreshRequested();
 }
 
 void HauptForm::ResetEntry() {

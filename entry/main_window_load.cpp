@@ -1,13 +1,12 @@
 // Start and end of the main window: Load in its fixed order, the choice of the log,
 // and Unload, which writes the settings and closes the companion windows.
-#include "entry/log_grid_view.h"
-#include "entry/main_window.h"
-
 #include "core/atomic_file.h"
 #include "core/cp1252.h"
 #include "core/log_file.h"
 #include "core/paths.h"
 #include "core/settings.h"
+#include "entry/log_grid_view.h"
+#include "entry/main_window.h"
 
 #include <QAction>
 #include <QApplication>
@@ -45,7 +44,8 @@ void RecordVersion() {
         if (ReadInt(s, QStringLiteral("Version")) != running) differs = true;
     if (!differs) return;
     const QString text = QStringLiteral("%1").arg(running, 7, 10, QLatin1Char('0'));
-    for (const QString& s : sections) IniWrite({}, s, QStringLiteral("Version"), text);
+    for (const QString& s : sections)
+        IniWrite({}, s, QStringLiteral("Version"), text);
 }
 
 } // namespace
@@ -59,7 +59,8 @@ void HauptForm::ChooseLog() {
     if (name.isEmpty()) name = IniReadString({}, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"));
     name = QFileInfo(name.trimmed()).fileName();
     if (name.isEmpty()) return;
-    if (FileExists(m_.LogFolder + name)) m_.CurrentLogName = name;
+    if (FileExists(m_.LogFolder + name))
+        m_.CurrentLogName = name;
     else if (FileExists(m_.LogFolder + name + QLatin1String(kLogExtension)))
         m_.CurrentLogName = name + QLatin1String(kLogExtension);
 }
@@ -92,13 +93,15 @@ bool HauptForm::Load() {
     if (top >= 0 && top < ScreenHeightTwips()) place.setY(TwipsToPixels(top));
     if (left >= 0 && left < ScreenWidthTwips()) place.setX(TwipsToPixels(left));
     move(place);
-    if (height > PixelsToTwips(this->height()) && height < ScreenHeightTwips()) resize(width(), TwipsToPixels(height));
+    if (height > PixelsToTwips(this->height()) && height < ScreenHeightTwips())
+        resize(width(), TwipsToPixels(height));
     // 12: the entry fonts are set when the fields are built.
     // 13: time separator, noon, districts, operators.
     m_.TimeSeparator = FirstNonDigit(m_.Formats.ShortTime(clock_.Now().time()), m_.TimeSeparator);
     m_.MittagsGrenze = QTime(12, 0);
     combo5_->clear();
-    for (size_t i = 1; i < m_.BezirkRecords.size(); ++i) combo5_->addItem(m_.BezirkRecords[i].Code);
+    for (size_t i = 1; i < m_.BezirkRecords.size(); ++i)
+        combo5_->addItem(m_.BezirkRecords[i].Code);
     combo5_->setCurrentIndex(-1);
     combo5_->clearEditText();
     QStringList opCalls;
@@ -132,7 +135,8 @@ bool HauptForm::Load() {
     }
     if (FileExists(m_.DataFolder + QStringLiteral("OeCallList.txt")))
         OeCallListText = FromCp1252(ReadWholeFile(m_.DataFolder + QStringLiteral("OeCallList.txt")));
-    Action(QStringLiteral("MnHilfePDF"))->setEnabled(FileExists(m_.DataFolder + QStringLiteral("KOLBOHilfe.pdf")));
+    Action(QStringLiteral("MnHilfePDF"))
+        ->setEnabled(FileExists(m_.DataFolder + QStringLiteral("KOLBOHilfe.pdf")));
     DatenInGrid1Neu();
     // 17: the companion windows open at the last exit.
     for (const CompanionDef& c : Companions()) {
@@ -154,7 +158,8 @@ bool HauptForm::Load() {
         if (combo6_->findText(opCall, Qt::MatchExactly | Qt::MatchCaseSensitive) < 0) {
             combo6_->addItem(opCall);
             QStringList all;
-            for (int i = 0; i < combo6_->count(); ++i) all << combo6_->itemText(i);
+            for (int i = 0; i < combo6_->count(); ++i)
+                all << combo6_->itemText(i);
             WriteOpCalls(all);
         }
         combo6_->setCurrentText(opCall);
@@ -163,9 +168,11 @@ bool HauptForm::Load() {
     SetGrid1();
     gridView_->KeepLastRowInView();
     timer3_.start();
-    const QString extra = IniReadString({}, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath")).trimmed();
+    const QString extra =
+        IniReadString({}, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath")).trimmed();
     m_.ExtraBackupPath = (!extra.isEmpty() && FolderExists(extra)) ? extra : QString();
-    if (!m_.ExtraBackupPath.isEmpty() && !m_.ExtraBackupPath.endsWith(QLatin1Char('/'))) m_.ExtraBackupPath += QLatin1Char('/');
+    if (!m_.ExtraBackupPath.isEmpty() && !m_.ExtraBackupPath.endsWith(QLatin1Char('/')))
+        m_.ExtraBackupPath += QLatin1Char('/');
     Action(QStringLiteral("MnAutomatischesSichern"))
         ->setChecked(ReadInt(kEinst, QStringLiteral("SichernEA")) == 1 && !m_.ExtraBackupPath.isEmpty());
     Action(QStringLiteral("MnLastLogOpen"))->setChecked(ReadInt(kEinst, QStringLiteral("LastLogOpen")) == -1);
@@ -193,15 +200,18 @@ void HauptForm::Unload() {
     // Operators: at most the first ten.
     if (combo6_->count() > 0) {
         QStringList calls;
-        for (int i = 0; i < combo6_->count() && i < 10; ++i) calls << combo6_->itemText(i);
+        for (int i = 0; i < combo6_->count() && i < 10; ++i)
+            calls << combo6_->itemText(i);
         WriteOpCalls(calls);
     }
     IniWrite({}, kEinst, QStringLiteral("Band"), combo1_->currentIndex());
     IniWrite({}, kEinst, QStringLiteral("Mode"), combo2_->currentIndex());
-    IniWrite({}, kEinst, QStringLiteral("ErwEeingabe"), FlagValue(Action(QStringLiteral("MnEingabe"))->isChecked()));
+    IniWrite({}, kEinst, QStringLiteral("ErwEeingabe"),
+             FlagValue(Action(QStringLiteral("MnEingabe"))->isChecked()));
     // Companion windows, in closing order.
-    for (const Companion id : {Companion::GridKarte, Companion::BZKarte, Companion::Frequenz, Companion::Statistik,
-                               Companion::Transceiver, Companion::LogTracker, Companion::DBLog}) {
+    for (const Companion id :
+         {Companion::GridKarte, Companion::BZKarte, Companion::Frequenz, Companion::Statistik,
+          Companion::Transceiver, Companion::LogTracker, Companion::DBLog}) {
         const bool open = OpenFlag(m_, id);
         IniWrite({}, kEinst, QString::fromLatin1(CompanionOf(id).openKey), FlagValue(open));
         if (QWidget* w = CompanionWindow(id); open && w) w->close();
@@ -209,10 +219,12 @@ void HauptForm::Unload() {
     IniWrite({}, kPos, QStringLiteral("HauptFormTop"), PixelsToTwips(pos().y()));
     IniWrite({}, kPos, QStringLiteral("HauptFormLeft"), PixelsToTwips(pos().x()));
     IniWrite({}, kPos, QStringLiteral("HauptFormHeight"), PixelsToTwips(height()));
-    IniWrite({}, kEinst, QStringLiteral("DateTimeLock"), FlagValue(Action(QStringLiteral("MnDateTimeLock"))->isChecked()));
+    IniWrite({}, kEinst, QStringLiteral("DateTimeLock"),
+             FlagValue(Action(QStringLiteral("MnDateTimeLock"))->isChecked()));
     // On the contest day the submission is offered once more.
     const QDate today = ContestNow(clock_, m_.ZeitOffset).date();
-    if (today.day() == 1 && today.month() == 5 && grid_.Rows() >= 2 && !OfferedPeriod1 && !OfferedPeriod2 && logEinsenden)
+    if (today.day() == 1 && today.month() == 5 && grid_.Rows() >= 2 && !OfferedPeriod1 && !OfferedPeriod2 &&
+        logEinsenden)
         logEinsenden();
     m_.MainWindowLoaded = false;
 }

@@ -1,10 +1,9 @@
 // The main window's menu bar, the grid's pop-up menu, and the commands of both that
 // belong to this window. Entries whose windows are not built yet stand disabled.
+#include "core/settings.h"
 #include "entry/log_grid_view.h"
 #include "entry/main_window.h"
 #include "entry/web_addresses.h"
-
-#include "core/settings.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -51,11 +50,12 @@ void HauptForm::BuildMenus() {
     AddSeparator(datei, QStringLiteral("MNSt6"));
     AddItem(datei, QStringLiteral("MnLogDrucken"), QStringLiteral("Log &Drucken"), false);
     AddSeparator(datei, QStringLiteral("MnSt13"));
-    connect(AddItem(datei, QStringLiteral("MnSicherungenOpen"), QStringLiteral("&Ordner 'Sicherung' Öffnen"), true),
+    connect(AddItem(datei, QStringLiteral("MnSicherungenOpen"), QStringLiteral("&Ordner 'Sicherung' Öffnen"),
+                    true),
             &QAction::triggered, this, &HauptForm::MnSicherungenOpen);
     AddSeparator(datei, QStringLiteral("MNSt8"));
-    connect(AddItem(datei, QStringLiteral("MnBeneden"), QStringLiteral("B&eenden"), true), &QAction::triggered, this,
-            &HauptForm::MnBeneden);
+    connect(AddItem(datei, QStringLiteral("MnBeneden"), QStringLiteral("B&eenden"), true),
+            &QAction::triggered, this, &HauptForm::MnBeneden);
 
     QMenu* einst = top(QStringLiteral("MnEinstellungen"), QStringLiteral("&Einstellungen"));
     AddItem(einst, QStringLiteral("MnLogoptionen"), QStringLiteral("C&ontest-Einstellungen"), false);
@@ -70,7 +70,11 @@ void HauptForm::BuildMenus() {
     zpmGroup_->setExclusive(true);
     for (int i = 0; i < 25; ++i) {
         const int hours = i - 12;
-        const QString caption = QStringLiteral("%1%2:00h").arg(hours < 0 ? QLatin1Char('-') : i == 12 ? QLatin1Char('-') : QLatin1Char('+')).arg(std::abs(hours), 2, 10, QLatin1Char('0'));
+        const QString caption = QStringLiteral("%1%2:00h")
+                                    .arg(hours < 0 ? QLatin1Char('-')
+                                         : i == 12 ? QLatin1Char('-')
+                                                   : QLatin1Char('+'))
+                                    .arg(std::abs(hours), 2, 10, QLatin1Char('0'));
         QAction* a = zeitPm->addAction(caption);
         a->setObjectName(QStringLiteral("zpm%1").arg(i));
         a->setCheckable(true);
@@ -78,42 +82,50 @@ void HauptForm::BuildMenus() {
         connect(a, &QAction::triggered, this, [this, i] { ZpmClick(i); });
         zpm_[size_t(i)] = a;
     }
-    QAction* lock = AddItem(zeit, QStringLiteral("MnDateTimeLock"), QStringLiteral("&Datum/Zeit gesperrt"), true);
+    QAction* lock =
+        AddItem(zeit, QStringLiteral("MnDateTimeLock"), QStringLiteral("&Datum/Zeit gesperrt"), true);
     lock->setCheckable(true);
     ConnectClick(lock, &HauptForm::MnDateTimeLock);
-    QAction* manual = AddItem(zeit, QStringLiteral("MnZeitDatumLock"), QStringLiteral("Datum/Zeit &manuell"), true);
+    QAction* manual =
+        AddItem(zeit, QStringLiteral("MnZeitDatumLock"), QStringLiteral("Datum/Zeit &manuell"), true);
     manual->setCheckable(true);
     ConnectClick(manual, &HauptForm::MnZeitDatumLock);
     AddSeparator(einst, QStringLiteral("MnSt14"));
-    QAction* vorgabe = AddItem(einst, QStringLiteral("MnCallVorgabe"), QStringLiteral("&Callfeld 'OE' als Vorgabe"), true);
+    QAction* vorgabe =
+        AddItem(einst, QStringLiteral("MnCallVorgabe"), QStringLiteral("&Callfeld 'OE' als Vorgabe"), true);
     vorgabe->setCheckable(true);
     ConnectClick(vorgabe, &HauptForm::MnCallVorgabe);
     AddSeparator(einst, QStringLiteral("MnST4"));
-    QAction* eingabe = AddItem(einst, QStringLiteral("MnEingabe"), QStringLiteral("Erweiterte &Eingabe"), true);
+    QAction* eingabe =
+        AddItem(einst, QStringLiteral("MnEingabe"), QStringLiteral("Erweiterte &Eingabe"), true);
     eingabe->setCheckable(true);
     ConnectClick(eingabe, &HauptForm::MnEingabe);
     AddSeparator(einst, QStringLiteral("MnSt15"));
-    QAction* lastLog =
-        AddItem(einst, QStringLiteral("MnLastLogOpen"), QStringLiteral("Zuletzt geöffnetes Log beim Start &öffnen"), true);
+    QAction* lastLog = AddItem(einst, QStringLiteral("MnLastLogOpen"),
+                               QStringLiteral("Zuletzt geöffnetes Log beim Start &öffnen"), true);
     lastLog->setCheckable(true);
     ConnectClick(lastLog, &HauptForm::MnLastLogOpen);
     AddSeparator(einst, QStringLiteral("MnSt9"));
-    QAction* countdown = AddItem(einst, QStringLiteral("MnCountdown"), QStringLiteral("Countdown Ein/Aus"), true);
+    QAction* countdown =
+        AddItem(einst, QStringLiteral("MnCountdown"), QStringLiteral("Countdown Ein/Aus"), true);
     countdown->setCheckable(true);
     ConnectClick(countdown, &HauptForm::MnCountdown);
     AddSeparator(einst, QStringLiteral("MnSt19"));
     AddItem(einst, QStringLiteral("MnAutomatischesSichern"), QStringLiteral("Zusätzliches &Sichern"), false)
         ->setCheckable(true);
     AddSeparator(einst, QStringLiteral("MnSt17"));
-    connect(AddItem(einst, QStringLiteral("MnFensterPostOrg"), QStringLiteral("Reset Fenster Pos+Größe"), true),
-            &QAction::triggered, this, &HauptForm::MnFensterPostOrg);
+    connect(
+        AddItem(einst, QStringLiteral("MnFensterPostOrg"), QStringLiteral("Reset Fenster Pos+Größe"), true),
+        &QAction::triggered, this, &HauptForm::MnFensterPostOrg);
 
     QMenu* extras = top(QStringLiteral("MnLog"), QStringLiteral("E&xtras"));
-    AddItem(extras, QStringLiteral("MnLogExportierenDatumZeit"), QStringLiteral("Log nachträglich &ändern"), false);
+    AddItem(extras, QStringLiteral("MnLogExportierenDatumZeit"), QStringLiteral("Log nachträglich &ändern"),
+            false);
     AddSeparator(extras, QStringLiteral("MnST2"));
     AddItem(extras, QStringLiteral("MnLogExportierenADIF"), QStringLiteral("&ADIF-Datei erzeugen"), false);
     AddSeparator(extras, QStringLiteral("MnSt1"));
-    AddItem(extras, QStringLiteral("MnLogExportierenCabrillo"), QStringLiteral("&Cabrillo-Datei erzeugen"), false);
+    AddItem(extras, QStringLiteral("MnLogExportierenCabrillo"), QStringLiteral("&Cabrillo-Datei erzeugen"),
+            false);
     AddSeparator(extras, QStringLiteral("MnST5"));
     AddItem(extras, QStringLiteral("MnLogHochladen"), QStringLiteral("Ca&brillo-Datei einsenden"), false);
 
@@ -139,15 +151,17 @@ void HauptForm::BuildMenus() {
     QMenu* einreichen = top(QStringLiteral("MnLogEinreichen"), QStringLiteral("Ein&reichen"));
     AddItem(einreichen, QStringLiteral("MnLogEinsenden"), QStringLiteral("Aktuelles Log ein&senden"), false);
     AddSeparator(einreichen, QStringLiteral("MnSt7"));
-    AddItem(einreichen, QStringLiteral("MnLogServerUploadTest"), QStringLiteral("Verbindungs&test zum Log-Server"), false);
+    AddItem(einreichen, QStringLiteral("MnLogServerUploadTest"),
+            QStringLiteral("Verbindungs&test zum Log-Server"), false);
 
     QMenu* hilfe = top(QStringLiteral("MnHilfe"), QStringLiteral("&Hilfe"));
-    connect(AddItem(hilfe, QStringLiteral("MnHilfePDF"), QStringLiteral("&Anleitung als pdf"), false), &QAction::triggered,
-            this, &HauptForm::MnHilfePDF);
-    connect(AddItem(hilfe, QStringLiteral("MnContestregeln"), QStringLiteral("&Contestregeln"), true), &QAction::triggered,
-            this, &HauptForm::MnContestregeln);
+    connect(AddItem(hilfe, QStringLiteral("MnHilfePDF"), QStringLiteral("&Anleitung als pdf"), false),
+            &QAction::triggered, this, &HauptForm::MnHilfePDF);
+    connect(AddItem(hilfe, QStringLiteral("MnContestregeln"), QStringLiteral("&Contestregeln"), true),
+            &QAction::triggered, this, &HauptForm::MnContestregeln);
     AddSeparator(hilfe, QStringLiteral("MnSt10"));
-    connect(AddItem(hilfe, QStringLiteral("MnEingesendeteLogsAnzeigen"), QStringLiteral("Eingesendete Logs Anzeigen"), true),
+    connect(AddItem(hilfe, QStringLiteral("MnEingesendeteLogsAnzeigen"),
+                    QStringLiteral("Eingesendete Logs Anzeigen"), true),
             &QAction::triggered, this, &HauptForm::MnEingesendeteLogsAnzeigen);
     AddSeparator(hilfe, QStringLiteral("MnSt11"));
     AddItem(hilfe, QStringLiteral("MnUpdatePruefung"), QStringLiteral("Auf &Updates prüfen"), false);
@@ -163,8 +177,9 @@ void HauptForm::BuildMenus() {
     mnVersteckt_->setObjectName(QStringLiteral("MnVersteckt"));
     connect(AddItem(mnVersteckt_, QStringLiteral("MnVerstecktLoeschen"), QStringLiteral("&Löschen"), false),
             &QAction::triggered, this, [this] { emit loeschenRequested(popupRow_); });
-    connect(AddItem(mnVersteckt_, QStringLiteral("MnVerstecktBearbeiten"), QStringLiteral("&Bearbeiten"), false),
-            &QAction::triggered, this, [this] { emit bearbeitenRequested(popupRow_); });
+    connect(
+        AddItem(mnVersteckt_, QStringLiteral("MnVerstecktBearbeiten"), QStringLiteral("&Bearbeiten"), false),
+        &QAction::triggered, this, [this] { emit bearbeitenRequested(popupRow_); });
     AddSeparator(mnVersteckt_, QStringLiteral("MnSt12"));
     QMenu* sortieren = mnVersteckt_->addMenu(QStringLiteral("Sortieren"));
     sortieren->setObjectName(QStringLiteral("MnSortieren"));
@@ -183,8 +198,8 @@ void HauptForm::BuildMenus() {
     };
     for (const auto& s : sorts) {
         const int mode = s.mode;
-        connect(AddItem(sortieren, QString::fromLatin1(s.name), QString::fromLatin1(s.caption), true), &QAction::triggered,
-                this, [this, mode] { Sortieren(mode); });
+        connect(AddItem(sortieren, QString::fromLatin1(s.name), QString::fromLatin1(s.caption), true),
+                &QAction::triggered, this, [this, mode] { Sortieren(mode); });
     }
 }
 
@@ -221,7 +236,8 @@ void HauptForm::MnEingesendeteLogsAnzeigen() {
 void HauptForm::MnLastLogOpen() {
     QAction* a = Action(QStringLiteral("MnLastLogOpen"));
     a->setChecked(!a->isChecked());
-    IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("LastLogOpen"), FlagValue(a->isChecked()));
+    IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("LastLogOpen"),
+             FlagValue(a->isChecked()));
 }
 
 QRect HauptForm::DesignGeometry() {
@@ -229,9 +245,9 @@ QRect HauptForm::DesignGeometry() {
 }
 
 void HauptForm::MnFensterPostOrg() {
-    const int answer = dialogs_.MsgBox(
-        QStringLiteral("Soll die Position und Größe aller Fenster wirklich auf die Grundeinstellung zurückgesetzt werden?"),
-        Msg::Question | Msg::YesNo);
+    const int answer = dialogs_.MsgBox(QStringLiteral("Soll die Position und Größe aller Fenster wirklich "
+                                                      "auf die Grundeinstellung zurückgesetzt werden?"),
+                                       Msg::Question | Msg::YesNo);
     if (answer == Msg::No) return;
     const QRect design = DesignGeometry();
     showNormal();
@@ -252,7 +268,8 @@ void HauptForm::Sortieren(int sortMode) {
 
 void HauptForm::ZpmClick(int index) {
     if (index < 0 || index > 24) return;
-    for (QAction* a : zpm_) a->setChecked(false);
+    for (QAction* a : zpm_)
+        a->setChecked(false);
     zpm_[size_t(index)]->setChecked(true);
     m_.ZeitOffset = index - 12;
     IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("ZeitPM"), index);
@@ -289,7 +306,8 @@ void HauptForm::ApplyDateTimeLock(bool locked) {
     lock->setText(locked ? QStringLiteral("&Datum/Zeit gesperrt") : QStringLiteral("&Datum/Zeit editierbar"));
     text1_->setReadOnly(locked);
     text2_->setReadOnly(locked);
-    const QString back = locked ? QStringLiteral("background-color: #C0C0C0;") : QStringLiteral("background-color: white;");
+    const QString back =
+        locked ? QStringLiteral("background-color: #C0C0C0;") : QStringLiteral("background-color: white;");
     text1_->setStyleSheet(back);
     text2_->setStyleSheet(back);
 }
@@ -303,7 +321,8 @@ void HauptForm::MnCallVorgabe() {
         text3_->setText(QStringLiteral("OE"));
         text3_->setCursorPosition(2);
     }
-    IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("CallVorgabe"), FlagValue(a->isChecked()));
+    IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("CallVorgabe"),
+             FlagValue(a->isChecked()));
 }
 
 void HauptForm::MnEingabe() {
@@ -317,7 +336,8 @@ void HauptForm::MnCountdown() {
     QAction* a = Action(QStringLiteral("MnCountdown"));
     a->setChecked(!a->isChecked());
     mnZeitTimer_->setVisible(a->isChecked());
-    IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("Countdown"), FlagValue(a->isChecked()));
+    IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("Countdown"),
+             FlagValue(a->isChecked()));
 }
 
 } // namespace kolibrino

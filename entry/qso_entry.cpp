@@ -111,15 +111,20 @@ EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const Entr
         if (n >= 1 && size_t(n) < m.BezirkRecords.size()) {
             BezirkRecord& b = m.BezirkRecords[size_t(n)];
             ++b.AnzGesamt;
-            if (f.band == QLatin1String("40m")) ++b.Anz40;
-            else if (f.band == QLatin1String("80m")) ++b.Anz80;
-            else if (f.band == QLatin1String("30m")) ++b.Anz30;
+            if (f.band == QLatin1String("40m"))
+                ++b.Anz40;
+            else if (f.band == QLatin1String("80m"))
+                ++b.Anz80;
+            else if (f.band == QLatin1String("30m"))
+                ++b.Anz30;
             RaiseGruppeBandCount(m, b.Gruppe, band);
             if (companions.fuellen) companions.fuellen(f.bezirk);
             if (companions.gridCellColor) {
                 const char16_t c = call[2].unicode();
-                if (c < 65 || c > 90) companions.gridCellColor(f.bezirk, b.Gruppe, QString());
-                else companions.gridCellColor(f.bezirk, 0, call.left(3));
+                if (c < 65 || c > 90)
+                    companions.gridCellColor(f.bezirk, b.Gruppe, QString());
+                else
+                    companions.gridCellColor(f.bezirk, 0, call.left(3));
             }
         }
         if (f.band != QLatin1String("30m")) m.QsoCount += 1;
@@ -168,8 +173,10 @@ EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const Entr
                        fileBytes->textSize == m.LogText.size() && m.LogText.endsWith(fileBytes->lastLine);
     m.LogText += line;
     if (fileBytes) {
-        if (reuse) fileBytes->bytes += ToCp1252(line);
-        else fileBytes->bytes = ToCp1252(m.LogText);
+        if (reuse)
+            fileBytes->bytes += ToCp1252(line);
+        else
+            fileBytes->bytes = ToCp1252(m.LogText);
         fileBytes->textData = m.LogText.constData();
         fileBytes->textSize = m.LogText.size();
         fileBytes->lastLine = line;

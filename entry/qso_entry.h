@@ -44,9 +44,9 @@ struct EntryFields {
 enum class EntryFocus { None, Text1, Text2, Text3, Text4, Text5, Combo1, Combo2, Combo5 };
 
 struct CheckFailure {
-    int check = 0;       // 1 to 11
-    QString message;     // for the message line, or the text of the box
-    int boxFlags = -1;   // -1: the message goes to the message line; else it was shown in a box
+    int check = 0;     // 1 to 11
+    QString message;   // for the message line, or the text of the box
+    int boxFlags = -1; // -1: the message goes to the message line; else it was shown in a box
     EntryFocus focus = EntryFocus::None;
 };
 
@@ -57,8 +57,10 @@ inline const QString kMsgMode = QStringLiteral("MODE ungültig");
 inline const QString kMsgRsts = QStringLiteral("RSTs ungültig");
 inline const QString kMsgRste = QStringLiteral("RSTe ungültig");
 inline const QString kMsgBezirk = QStringLiteral("BEZIRK ungültig");
-inline const QString kMsgAmateur30 = QStringLiteral("Amateurfunk-Stationen dürfen nur auf 80/40m gearbeitet werden!");
-inline const QString kMsgStaatsfunk40 = QStringLiteral("Staatsfunkstellen dürfen nur auf 80/30m gearbeitet werden!");
+inline const QString kMsgAmateur30 =
+    QStringLiteral("Amateurfunk-Stationen dürfen nur auf 80/40m gearbeitet werden!");
+inline const QString kMsgStaatsfunk40 =
+    QStringLiteral("Staatsfunkstellen dürfen nur auf 80/30m gearbeitet werden!");
 inline const QString kMsgZeit = QStringLiteral("Zeit Ungültige");
 inline const QString kMsgDatum = QStringLiteral("Datum Ungültige");
 inline const QString kMsgDupeFrage = QStringLiteral("Soll das QSO als DUPE geloggt werden?");
@@ -70,9 +72,10 @@ std::optional<CheckFailure> CheckEntry(Model& m, Dialogs& dialogs, const EntryFi
 
 // Calls into companion windows; each is set only while its window is open.
 struct CompanionCalls {
-    std::function<void(const QString& bezirk)> fuellen;                                       // district map
-    std::function<void(const QString& bezirk, int gruppe, const QString& prefix)> gridCellColor; // multiplier table
-    std::function<std::optional<float>(int bandIndex)> frequency;                              // frequency window
+    std::function<void(const QString& bezirk)> fuellen; // district map
+    std::function<void(const QString& bezirk, int gruppe, const QString& prefix)>
+        gridCellColor;                                            // multiplier table
+    std::function<std::optional<float>(int bandIndex)> frequency; // frequency window
 };
 
 // The log text as file bytes, kept beside LogText by whoever logs the entries, so that

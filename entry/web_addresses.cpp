@@ -6,7 +6,8 @@ namespace kolibrino {
 namespace {
 
 QString Setting(const char* key, const char* fallback) {
-    const QString v = IniReadString({}, QString::fromLatin1(kSectionServer), QString::fromLatin1(key)).trimmed();
+    const QString v =
+        IniReadString({}, QString::fromLatin1(kSectionServer), QString::fromLatin1(key)).trimmed();
     return v.isEmpty() ? QString::fromLatin1(fallback) : v;
 }
 

@@ -1,8 +1,7 @@
 // The log grid of the main window: shape, refill, the red dupe cell, the sorts, the
 // pop-up and the double click.
-#include "tst_main_window_support.h"
-
 #include "core/tallies.h"
+#include "tst_main_window_support.h"
 
 #include <QAction>
 #include <QHeaderView>
@@ -17,9 +16,10 @@ std::vector<QsoRecord> MixedLog() {
     return {
         MakeRecord(QStringLiteral("OE3ABC"), 80, QStringLiteral("MD"), QStringLiteral("06:05:10")),
         MakeRecord(QStringLiteral("oe1zzz"), 40, QStringLiteral("WI"), QStringLiteral("06:01:00")),
-        MakeRecord(QStringLiteral("OE6KLM"), 80, QStringLiteral("GZ"), QStringLiteral("06:05:50"), QStringLiteral("CW")),
-        MakeRecord(QStringLiteral("OE3ABC"), 80, QStringLiteral("MD"), QStringLiteral("06:09:00"), QStringLiteral("SSB"),
-                   Status::Dupe),
+        MakeRecord(QStringLiteral("OE6KLM"), 80, QStringLiteral("GZ"), QStringLiteral("06:05:50"),
+                   QStringLiteral("CW")),
+        MakeRecord(QStringLiteral("OE3ABC"), 80, QStringLiteral("MD"), QStringLiteral("06:09:00"),
+                   QStringLiteral("SSB"), Status::Dupe),
         MakeRecord(QStringLiteral("OEK1"), 80, QStringLiteral("zz"), QStringLiteral("14:30:00")),
         MakeRecord(QStringLiteral("OE9AAA"), 40, QStringLiteral("ZZ"), QStringLiteral("05:59:59")),
     };
@@ -27,7 +27,8 @@ std::vector<QsoRecord> MixedLog() {
 
 QStringList Column(const LogGridModel& g, int column) {
     QStringList out;
-    for (int r = 0; r < g.DataRows(); ++r) out << g.Text(r, column);
+    for (int r = 0; r < g.DataRows(); ++r)
+        out << g.Text(r, column);
     return out;
 }
 
@@ -77,15 +78,17 @@ void TestLogGrid::rightClickOnAnEmptyGridDoesNothing() {
 void TestLogGrid::columnsHaveTheirHeadingsAndHiddenWorkColumns() {
     WindowFixture f;
     QVERIFY(f.StartEmpty());
-    const QStringList headings = {QStringLiteral("Datum"), QStringLiteral("Zeit"),  QStringLiteral("Band"),
-                                  QStringLiteral("Mode"),  QStringLiteral("Rufzeichen"), QStringLiteral("RSTs"),
-                                  QStringLiteral("RSTe"),  QStringLiteral("BZ"),    QStringLiteral("QSL"),
-                                  QStringLiteral("Notiz"), QStringLiteral("OpCall"), QStringLiteral("Dupe")};
+    const QStringList headings = {
+        QStringLiteral("Datum"), QStringLiteral("Zeit"),       QStringLiteral("Band"),
+        QStringLiteral("Mode"),  QStringLiteral("Rufzeichen"), QStringLiteral("RSTs"),
+        QStringLiteral("RSTe"),  QStringLiteral("BZ"),         QStringLiteral("QSL"),
+        QStringLiteral("Notiz"), QStringLiteral("OpCall"),     QStringLiteral("Dupe")};
     QCOMPARE(f.Grid().columnCount(), 17);
     for (int c = 0; c < 17; ++c) {
         const bool hidden = c >= 12;
         QCOMPARE(f.window->GridView()->isColumnHidden(c), hidden);
-        QCOMPARE(f.Grid().headerData(c, Qt::Horizontal, Qt::DisplayRole).toString(), hidden ? QString() : headings[c]);
+        QCOMPARE(f.Grid().headerData(c, Qt::Horizontal, Qt::DisplayRole).toString(),
+                 hidden ? QString() : headings[c]);
         if (!hidden) QVERIFY(f.window->GridView()->columnWidth(c) >= LogGridModel::WidthTwips(c) / 15);
     }
     QCOMPARE(LogGridModel::WidthTwips(4), 1750);
@@ -102,15 +105,18 @@ void TestLogGrid::refillShowsRecordsInRecordOrder() {
     f.WriteLog(QStringLiteral("test.KOLBO"), records);
     QVERIFY(f.Start());
     QCOMPARE(f.Grid().DataRows(), 6);
-    QCOMPARE(Column(f.Grid(), 4), QStringList({QStringLiteral("OE3ABC"), QStringLiteral("oe1zzz"), QStringLiteral("OE6KLM"),
-                                              QStringLiteral("OE3ABC"), QStringLiteral("OEK1"), QStringLiteral("OE9AAA")}));
-    const QStringList row1 = {QStringLiteral("01.05.2026"), QStringLiteral("06:01"), QStringLiteral("40m"),
-                              QStringLiteral("SSB"),        QStringLiteral("oe1zzz"), QStringLiteral("59"),
-                              QStringLiteral("59"),         QStringLiteral("WI"),    QStringLiteral("1"),
-                              QStringLiteral("Notiz"),      QStringLiteral("OE1OPR"), QString(),
-                              QStringLiteral("SSB"),        QStringLiteral("0"),     QStringLiteral("7012.5"),
-                              QStringLiteral("0"),          QStringLiteral("1")};
-    for (int c = 0; c < 17; ++c) QCOMPARE(f.Grid().Text(1, c), row1[c]);
+    QCOMPARE(Column(f.Grid(), 4),
+             QStringList({QStringLiteral("OE3ABC"), QStringLiteral("oe1zzz"), QStringLiteral("OE6KLM"),
+                          QStringLiteral("OE3ABC"), QStringLiteral("OEK1"), QStringLiteral("OE9AAA")}));
+    const QStringList row1 = {
+        QStringLiteral("01.05.2026"), QStringLiteral("06:01"),  QStringLiteral("40m"),
+        QStringLiteral("SSB"),        QStringLiteral("oe1zzz"), QStringLiteral("59"),
+        QStringLiteral("59"),         QStringLiteral("WI"),     QStringLiteral("1"),
+        QStringLiteral("Notiz"),      QStringLiteral("OE1OPR"), QString(),
+        QStringLiteral("SSB"),        QStringLiteral("0"),      QStringLiteral("7012.5"),
+        QStringLiteral("0"),          QStringLiteral("1")};
+    for (int c = 0; c < 17; ++c)
+        QCOMPARE(f.Grid().Text(1, c), row1[c]);
     QCOMPARE(f.Grid().SortMode(), GridSort::None);
 }
 
@@ -212,9 +218,11 @@ void TestLogGrid::sortMenusStoreTheirSortMode() {
     QCOMPARE(f.Grid().SortMode(), sortMode);
     const QStringList values = Column(f.Grid(), column);
     for (qsizetype i = 0; i + 1 < values.size(); ++i) {
-        const int c = column == 1 ? QTime::fromString(values[i], QStringLiteral("HH:mm"))
-                                        .secsTo(QTime::fromString(values[i + 1], QStringLiteral("HH:mm"))) * -1
-                                  : values[i].compare(values[i + 1], Qt::CaseInsensitive);
+        const int c = column == 1
+                          ? QTime::fromString(values[i], QStringLiteral("HH:mm"))
+                                    .secsTo(QTime::fromString(values[i + 1], QStringLiteral("HH:mm"))) *
+                                -1
+                          : values[i].compare(values[i + 1], Qt::CaseInsensitive);
         QVERIFY2(ascending ? c <= 0 : c >= 0, qPrintable(values.join(QLatin1Char(','))));
     }
 }
@@ -224,11 +232,13 @@ void TestLogGrid::textSortsIgnoreCase() {
     f.WriteLog(QStringLiteral("test.KOLBO"), MixedLog());
     QVERIFY(f.Start());
     f.window->Sortieren(GridSort::BezirkAuf);
-    QCOMPARE(Column(f.Grid(), 7), QStringList({QStringLiteral("GZ"), QStringLiteral("MD"), QStringLiteral("MD"),
-                                               QStringLiteral("WI"), QStringLiteral("zz"), QStringLiteral("ZZ")}));
+    QCOMPARE(Column(f.Grid(), 7),
+             QStringList({QStringLiteral("GZ"), QStringLiteral("MD"), QStringLiteral("MD"),
+                          QStringLiteral("WI"), QStringLiteral("zz"), QStringLiteral("ZZ")}));
     f.window->Sortieren(GridSort::RufzeichenAuf);
-    QCOMPARE(Column(f.Grid(), 4).mid(0, 4), QStringList({QStringLiteral("oe1zzz"), QStringLiteral("OE3ABC"),
-                                                         QStringLiteral("OE3ABC"), QStringLiteral("OE6KLM")}));
+    QCOMPARE(Column(f.Grid(), 4).mid(0, 4),
+             QStringList({QStringLiteral("oe1zzz"), QStringLiteral("OE3ABC"), QStringLiteral("OE3ABC"),
+                          QStringLiteral("OE6KLM")}));
 }
 
 void TestLogGrid::sortKeepsTheRedCellWithItsRow() {
@@ -266,7 +276,8 @@ void TestLogGrid::doubleClickOnTheHeadingRowDoesNothing() {
     WindowFixture f;
     f.WriteLog(QStringLiteral("test.KOLBO"), MixedLog());
     QVERIFY(f.Start());
-    f.window->Action(QStringLiteral("MnVerstecktBearbeiten"))->setEnabled(true); // as once the edit window exists
+    f.window->Action(QStringLiteral("MnVerstecktBearbeiten"))
+        ->setEnabled(true); // as once the edit window exists
     QSignalSpy spy(f.window.get(), &HauptForm::bearbeitenRequested);
     QHeaderView* header = f.window->GridView()->horizontalHeader();
     QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, QPoint(header->sectionPosition(4) + 5, 5));

@@ -1,7 +1,6 @@
 // The main window's start and end, its menus and its own menu commands.
-#include "tst_main_window_support.h"
-
 #include "entry/web_addresses.h"
+#include "tst_main_window_support.h"
 #include "ui/window_support.h"
 
 #include <QAction>
@@ -71,7 +70,8 @@ void TestMainWindow::noLogChosenEndsWithoutShowingTheGrid() {
 
 void TestMainWindow::lastLogFileSettingOpensThatLog() {
     WindowFixture f;
-    f.WriteLog(QStringLiteral("letztes.KOLBO"), {MakeRecord(QStringLiteral("OE3ABC"), 80, QStringLiteral("MD"), QStringLiteral("06:01:00"))});
+    f.WriteLog(QStringLiteral("letztes.KOLBO"),
+               {MakeRecord(QStringLiteral("OE3ABC"), 80, QStringLiteral("MD"), QStringLiteral("06:01:00"))});
     f.Ini(QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("letztes.KOLBO"));
     QVERIFY(f.Start(QString()));
     QCOMPARE(f.home.model.CurrentLogName, QStringLiteral("letztes.KOLBO"));
@@ -88,7 +88,8 @@ void TestMainWindow::missingLogFileEndsQuietly() {
 
 void TestMainWindow::damagedLogShowsTheStopBoxTwiceAndClearsLastLogOpen() {
     WindowFixture f;
-    WriteBytes(f.home.model.LogFolder + QStringLiteral("kaputt.KOLBO"), "[MYCALL:6]OE1XYZ\r\nno end of header\r\n");
+    WriteBytes(f.home.model.LogFolder + QStringLiteral("kaputt.KOLBO"),
+               "[MYCALL:6]OE1XYZ\r\nno end of header\r\n");
     f.Ini(QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen"), QStringLiteral("-1"));
     QVERIFY(!f.Start(QStringLiteral("kaputt.KOLBO")));
     QCOMPARE(f.dialogs.boxes.size(), 2);
@@ -97,7 +98,8 @@ void TestMainWindow::damagedLogShowsTheStopBoxTwiceAndClearsLastLogOpen() {
         QCOMPARE(b.text, text);
         QCOMPARE(b.flags, int(Msg::Critical));
     }
-    QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")), 0.0);
+    QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")),
+             0.0);
     QVERIFY(!f.window->isVisible());
 }
 
@@ -125,7 +127,8 @@ void TestMainWindow::loadShowsTitleOwnStationAndSettings() {
 
 void TestMainWindow::loadFillsDistrictsAndOperators() {
     WindowFixture f;
-    IniWriteSection(f.home.model.IniPath, QStringLiteral("OPCALLs"), {QStringLiteral("OE1AAA"), QStringLiteral("OE1BBB")});
+    IniWriteSection(f.home.model.IniPath, QStringLiteral("OPCALLs"),
+                    {QStringLiteral("OE1AAA"), QStringLiteral("OE1BBB")});
     QVERIFY(f.StartEmpty());
     QCOMPARE(f.Combo(5)->count(), 4);
     QCOMPARE(f.Combo(5)->itemText(0), QStringLiteral("WI"));
@@ -137,8 +140,10 @@ void TestMainWindow::loadFillsDistrictsAndOperators() {
 
 void TestMainWindow::storedTopBeyondTheScreenIsIgnored() {
     WindowFixture f;
-    f.Ini(QStringLiteral("FensterPos"), QStringLiteral("HauptFormTop"), QString::number(ScreenHeightTwips() + 150));
-    f.Ini(QStringLiteral("FensterPos"), QStringLiteral("HauptFormLeft"), QString::number(ScreenWidthTwips() + 150));
+    f.Ini(QStringLiteral("FensterPos"), QStringLiteral("HauptFormTop"),
+          QString::number(ScreenHeightTwips() + 150));
+    f.Ini(QStringLiteral("FensterPos"), QStringLiteral("HauptFormLeft"),
+          QString::number(ScreenWidthTwips() + 150));
     QVERIFY(f.StartEmpty());
     QCOMPARE(f.window->pos(), HauptForm::DesignGeometry().topLeft());
 }
@@ -153,7 +158,8 @@ void TestMainWindow::storedPlaceInsideTheScreenIsApplied() {
 
 void TestMainWindow::missingSicherungsPathLeavesExtraBackupUnchecked() {
     WindowFixture f;
-    f.Ini(QStringLiteral("PATHE"), QStringLiteral("SicherungsPath"), f.home.Path(QStringLiteral("gibtsnicht/")));
+    f.Ini(QStringLiteral("PATHE"), QStringLiteral("SicherungsPath"),
+          f.home.Path(QStringLiteral("gibtsnicht/")));
     f.Ini(QStringLiteral("Einstellungen"), QStringLiteral("SichernEA"), QStringLiteral("1"));
     QVERIFY(f.StartEmpty());
     QVERIFY(!f.window->Action(QStringLiteral("MnAutomatischesSichern"))->isChecked());
@@ -194,8 +200,10 @@ void TestMainWindow::versionIsRecordedInBothSections() {
     WindowFixture f;
     QVERIFY(f.StartEmpty());
     const QString v = QStringLiteral("%1").arg(ProgramVersionNumber(), 7, 10, QLatin1Char('0'));
-    QCOMPARE(IniReadString(f.home.model.IniPath, QStringLiteral("KOLIBRINO.EXE"), QStringLiteral("Version")), v);
-    QCOMPARE(IniReadString(f.home.model.IniPath, QStringLiteral("KOLIBRINO.BIN"), QStringLiteral("Version")), v);
+    QCOMPARE(IniReadString(f.home.model.IniPath, QStringLiteral("KOLIBRINO.EXE"), QStringLiteral("Version")),
+             v);
+    QCOMPARE(IniReadString(f.home.model.IniPath, QStringLiteral("KOLIBRINO.BIN"), QStringLiteral("Version")),
+             v);
 }
 
 void TestMainWindow::firstRunChecksTheFirstTimeOffset() {
@@ -227,7 +235,8 @@ void TestMainWindow::manualIsEnabledOnlyWhenPresent() {
 void TestMainWindow::twelveOperatorsAreWrittenAsTen() {
     WindowFixture f;
     QStringList twelve;
-    for (int i = 0; i < 12; ++i) twelve << QStringLiteral("OE1O%1").arg(QChar(u'A' + i));
+    for (int i = 0; i < 12; ++i)
+        twelve << QStringLiteral("OE1O%1").arg(QChar(u'A' + i));
     IniWriteSection(f.home.model.IniPath, QStringLiteral("OPCALLs"), twelve);
     QVERIFY(f.StartEmpty());
     QCOMPARE(f.Combo(6)->count(), 13); // the log's operator joined the list
@@ -277,9 +286,10 @@ void TestMainWindow::submissionAtClosing() {
     WindowFixture f;
     f.clock.Set(QDateTime(day, QTime(17, 30)));
     f.WriteLog(QStringLiteral("test.KOLBO"),
-               withContact ? std::vector<QsoRecord>{MakeRecord(QStringLiteral("OE3ABC"), 80, QStringLiteral("MD"),
-                                                               QStringLiteral("06:01:00"))}
-                           : std::vector<QsoRecord>{});
+               withContact
+                   ? std::vector<QsoRecord>{MakeRecord(QStringLiteral("OE3ABC"), 80, QStringLiteral("MD"),
+                                                       QStringLiteral("06:01:00"))}
+                   : std::vector<QsoRecord>{});
     QVERIFY(f.Start());
     int calls = 0;
     f.window->logEinsenden = [&] { ++calls; };
@@ -294,7 +304,8 @@ void TestMainWindow::companionWindowsAreClosedAndRemembered() {
     QWidget statistik;
     statistik.show();
     f.window->RegisterCompanion(Companion::Statistik, &statistik);
-    SetCompanionOpen(f.home.model, Companion::Statistik, f.window->Action(QStringLiteral("MnStatistik")), true);
+    SetCompanionOpen(f.home.model, Companion::Statistik, f.window->Action(QStringLiteral("MnStatistik")),
+                     true);
     QVERIFY(f.window->Action(QStringLiteral("MnStatistik"))->isChecked());
     f.window->close();
     QVERIFY(!statistik.isVisible());
@@ -376,7 +387,8 @@ void TestMainWindow::menuTreeHasEveryEntryWithItsCaption_data() {
         {"MnSortierenBezirk1", "nach Bezirk aufsteigend"},
         {"MnSortierenBezirk2", "nach Bezirk absteigend"},
     };
-    for (const auto& e : entries) QTest::newRow(e[0]) << QString::fromLatin1(e[0]) << QString::fromUtf8(e[1]);
+    for (const auto& e : entries)
+        QTest::newRow(e[0]) << QString::fromLatin1(e[0]) << QString::fromUtf8(e[1]);
 }
 
 void TestMainWindow::menuTreeHasEveryEntryWithItsCaption() {
@@ -392,19 +404,20 @@ void TestMainWindow::menuTreeHasEveryEntryWithItsCaption() {
 void TestMainWindow::separatorsStandInTheirMenus() {
     WindowFixture f;
     QVERIFY(f.StartEmpty());
-    const QStringList order = {QStringLiteral("MNSt6"), QStringLiteral("MnSt13"), QStringLiteral("MNSt8"),
-                               QStringLiteral("MnST3"), QStringLiteral("MnSt14"), QStringLiteral("MnST4"),
-                               QStringLiteral("MnSt15"), QStringLiteral("MnSt9"), QStringLiteral("MnSt19"),
-                               QStringLiteral("MnSt17"), QStringLiteral("MnST2"), QStringLiteral("MnSt1"),
-                               QStringLiteral("MnST5"), QStringLiteral("MnSt18"), QStringLiteral("MnSt16"),
-                               QStringLiteral("MnSt7"), QStringLiteral("MnSt10"), QStringLiteral("MnSt11"),
-                               QStringLiteral("MnSt12")};
+    const QStringList order = {
+        QStringLiteral("MNSt6"),  QStringLiteral("MnSt13"), QStringLiteral("MNSt8"),  QStringLiteral("MnST3"),
+        QStringLiteral("MnSt14"), QStringLiteral("MnST4"),  QStringLiteral("MnSt15"), QStringLiteral("MnSt9"),
+        QStringLiteral("MnSt19"), QStringLiteral("MnSt17"), QStringLiteral("MnST2"),  QStringLiteral("MnSt1"),
+        QStringLiteral("MnST5"),  QStringLiteral("MnSt18"), QStringLiteral("MnSt16"), QStringLiteral("MnSt7"),
+        QStringLiteral("MnSt10"), QStringLiteral("MnSt11"), QStringLiteral("MnSt12")};
     // Walk the menus in their order and collect the separators as they stand.
     QStringList found;
     std::function<void(QMenu*)> walk = [&](QMenu* menu) {
         for (QAction* a : menu->actions()) {
-            if (a->isSeparator()) found << a->objectName();
-            else if (a->menu() && a->objectName() != QLatin1String("MnZeitCont")) walk(a->menu());
+            if (a->isSeparator())
+                found << a->objectName();
+            else if (a->menu() && a->objectName() != QLatin1String("MnZeitCont"))
+                walk(a->menu());
         }
     };
     for (QAction* top : f.window->menuBar()->actions())
@@ -421,16 +434,36 @@ void TestMainWindow::separatorsStandInTheirMenus() {
 void TestMainWindow::entriesOfLaterWindowsAreDisabled() {
     WindowFixture f;
     QVERIFY(f.StartEmpty());
-    for (const char* name : {"MnNeuesLog", "MnOpenLog", "MnLogDrucken", "MnLogoptionen", "MnAutomatischesSichern",
-                             "MnLogExportierenDatumZeit", "MnLogExportierenADIF", "MnLogExportierenCabrillo",
-                             "MnLogHochladen", "MnBZKarte", "MnBZGrid", "MnFrequenz", "MnStatistik", "MnLogTracker", "MnDB",
-                             "MnBezirkeListe", "MnTransceiver", "MnLogEinsenden", "MnLogServerUploadTest",
-                             "MnUpdatePruefung", "MnInfo", "MnVerstecktLoeschen", "MnVerstecktBearbeiten"})
+    for (const char* name : {"MnNeuesLog",
+                             "MnOpenLog",
+                             "MnLogDrucken",
+                             "MnLogoptionen",
+                             "MnAutomatischesSichern",
+                             "MnLogExportierenDatumZeit",
+                             "MnLogExportierenADIF",
+                             "MnLogExportierenCabrillo",
+                             "MnLogHochladen",
+                             "MnBZKarte",
+                             "MnBZGrid",
+                             "MnFrequenz",
+                             "MnStatistik",
+                             "MnLogTracker",
+                             "MnDB",
+                             "MnBezirkeListe",
+                             "MnTransceiver",
+                             "MnLogEinsenden",
+                             "MnLogServerUploadTest",
+                             "MnUpdatePruefung",
+                             "MnInfo",
+                             "MnVerstecktLoeschen",
+                             "MnVerstecktBearbeiten"})
         QVERIFY2(!f.window->Action(QString::fromLatin1(name))->isEnabled(), name);
-    for (const char* name : {"MnSicherungenOpen", "MnBeneden", "MnContestregeln", "MnEingesendeteLogsAnzeigen",
-                             "MnLastLogOpen", "MnFensterPostOrg", "MnSortierenZeit1"})
+    for (const char* name :
+         {"MnSicherungenOpen", "MnBeneden", "MnContestregeln", "MnEingesendeteLogsAnzeigen", "MnLastLogOpen",
+          "MnFensterPostOrg", "MnSortierenZeit1"})
         QVERIFY2(f.window->Action(QString::fromLatin1(name))->isEnabled(), name);
-    for (const char* name : {"MnBZKarte", "MnBZGrid", "MnFrequenz", "MnStatistik", "MnLogTracker", "MnDB", "MnTransceiver"})
+    for (const char* name :
+         {"MnBZKarte", "MnBZGrid", "MnFrequenz", "MnStatistik", "MnLogTracker", "MnDB", "MnTransceiver"})
         QVERIFY2(f.window->Action(QString::fromLatin1(name))->isCheckable(), name);
 }
 
@@ -463,12 +496,14 @@ void TestMainWindow::shellCommandsOpenTheirAddresses() {
     QCOMPARE(f.opened.size(), 3);
     QCOMPARE(f.opened[0], QUrl::fromLocalFile(f.home.model.BackupFolder));
     QCOMPARE(f.opened[1].toString(), QString::fromLatin1(kDefaultRegelnUrl));
-    QCOMPARE(f.opened[2].toString(), QStringLiteral("http://%1/cgi-bin/show.cgi").arg(QString::fromLatin1(kDefaultLogServer)));
+    QCOMPARE(f.opened[2].toString(),
+             QStringLiteral("http://%1/cgi-bin/show.cgi").arg(QString::fromLatin1(kDefaultLogServer)));
 }
 
 void TestMainWindow::webAddressesComeFromTheSettings() {
     WindowFixture f;
-    f.Ini(QStringLiteral("Server"), QStringLiteral("RegelnURL"), QStringLiteral("https://example.org/regeln"));
+    f.Ini(QStringLiteral("Server"), QStringLiteral("RegelnURL"),
+          QStringLiteral("https://example.org/regeln"));
     f.Ini(QStringLiteral("Server"), QStringLiteral("LogServer"), QStringLiteral("logs.example.org"));
     QVERIFY(f.StartEmpty());
     f.window->MnContestregeln();
@@ -484,10 +519,12 @@ void TestMainWindow::lastLogOpenTogglesAndWritesTheKey() {
     QVERIFY(!a->isChecked());
     a->trigger();
     QVERIFY(a->isChecked());
-    QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")), -1.0);
+    QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")),
+             -1.0);
     f.window->MnLastLogOpen();
     QVERIFY(!a->isChecked());
-    QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")), 0.0);
+    QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("LastLogOpen")),
+             0.0);
 }
 
 void TestMainWindow::fensterPosOrgWritesDesignPlaces() {
@@ -501,8 +538,8 @@ void TestMainWindow::fensterPosOrgWritesDesignPlaces() {
     f.window->resize(700, 500);
     f.dialogs.AnswerMsgBox(Msg::Yes);
     f.window->Action(QStringLiteral("MnFensterPostOrg"))->trigger();
-    QCOMPARE(f.dialogs.LastBox()->text,
-             QStringLiteral("Soll die Position und Größe aller Fenster wirklich auf die Grundeinstellung zurückgesetzt werden?"));
+    QCOMPARE(f.dialogs.LastBox()->text, QStringLiteral("Soll die Position und Größe aller Fenster wirklich "
+                                                       "auf die Grundeinstellung zurückgesetzt werden?"));
     QCOMPARE(f.dialogs.LastBox()->flags, 36);
     QCOMPARE(f.window->geometry().size(), HauptForm::DesignGeometry().size());
     QCOMPARE(f.window->pos(), HauptForm::DesignGeometry().topLeft());
@@ -510,12 +547,14 @@ void TestMainWindow::fensterPosOrgWritesDesignPlaces() {
     const struct {
         const char* key;
         int value;
-    } expected[] = {{"BZGridTop", 6409},       {"BZGridLeft", 78},        {"BZKarteTop", 0},       {"BZKarteLeft", 10},
-                    {"FrequenzTop", 2561},     {"FrequenzLeft", 5200},    {"StatistikTop", 2327},  {"StatistikLeft", 7436},
-                    {"TransceiverTop", 0},     {"TransceiverLeft", 0},    {"LogTrackerTop", 2639}, {"LogTrackerLeft", 2301},
-                    {"DBLogTop", 468},         {"DBLogLeft", 4446}};
+    } expected[] = {{"BZGridTop", 6409},    {"BZGridLeft", 78},      {"BZKarteTop", 0},
+                    {"BZKarteLeft", 10},    {"FrequenzTop", 2561},   {"FrequenzLeft", 5200},
+                    {"StatistikTop", 2327}, {"StatistikLeft", 7436}, {"TransceiverTop", 0},
+                    {"TransceiverLeft", 0}, {"LogTrackerTop", 2639}, {"LogTrackerLeft", 2301},
+                    {"DBLogTop", 468},      {"DBLogLeft", 4446}};
     for (const auto& e : expected)
-        QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("FensterPos"), QString::fromLatin1(e.key)), double(e.value));
+        QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("FensterPos"), QString::fromLatin1(e.key)),
+                 double(e.value));
 }
 
 void TestMainWindow::fensterPosOrgAnsweredNoChangesNothing() {
@@ -525,7 +564,8 @@ void TestMainWindow::fensterPosOrgAnsweredNoChangesNothing() {
     f.dialogs.AnswerMsgBox(Msg::No);
     f.window->MnFensterPostOrg();
     QCOMPARE(f.window->pos(), QPoint(100, 80));
-    QCOMPARE(IniReadString(f.home.model.IniPath, QStringLiteral("FensterPos"), QStringLiteral("BZGridTop")), QString());
+    QCOMPARE(IniReadString(f.home.model.IniPath, QStringLiteral("FensterPos"), QStringLiteral("BZGridTop")),
+             QString());
 }
 
 void TestMainWindow::zpmClickSetsOffsetAndKey() {
@@ -533,10 +573,12 @@ void TestMainWindow::zpmClickSetsOffsetAndKey() {
     QVERIFY(f.StartEmpty());
     f.window->Action(QStringLiteral("zpm14"))->trigger();
     QCOMPARE(f.home.model.ZeitOffset, 2);
-    QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM")), 14.0);
+    QCOMPARE(IniReadInt(f.home.model.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM")),
+             14.0);
     QCOMPARE(f.Text(2)->text(), QStringLiteral("08:00"));
     int checked = 0;
-    for (int i = 0; i < 25; ++i) checked += f.window->Action(QStringLiteral("zpm%1").arg(i))->isChecked() ? 1 : 0;
+    for (int i = 0; i < 25; ++i)
+        checked += f.window->Action(QStringLiteral("zpm%1").arg(i))->isChecked() ? 1 : 0;
     QCOMPARE(checked, 1);
 }
 
@@ -546,10 +588,17 @@ void TestMainWindow::entryAreaHasEveryControl() {
     const struct {
         const char* name;
         const char* tip;
-    } controls[] = {{"Text1", "Datum"},        {"Text2", "Uhrzeit"},          {"Text3", "Rufzeichen der Gegenstation"},
-                    {"Combo1", "TX Band"},     {"Combo2", "TX Mode"},         {"Text4", "RST gesendet"},
-                    {"Text5", "RST empfangen"}, {"Combo5", "BEZIRK empfangen"}, {"Check1", "QSL JA/NEIN"},
-                    {"Text8", "Bemerkungen"},  {"Combo6", "Call des aktuellen Operators"}};
+    } controls[] = {{"Text1", "Datum"},
+                    {"Text2", "Uhrzeit"},
+                    {"Text3", "Rufzeichen der Gegenstation"},
+                    {"Combo1", "TX Band"},
+                    {"Combo2", "TX Mode"},
+                    {"Text4", "RST gesendet"},
+                    {"Text5", "RST empfangen"},
+                    {"Combo5", "BEZIRK empfangen"},
+                    {"Check1", "QSL JA/NEIN"},
+                    {"Text8", "Bemerkungen"},
+                    {"Combo6", "Call des aktuellen Operators"}};
     for (const auto& c : controls) {
         QWidget* w = f.Child<QWidget>(c.name);
         QVERIFY2(w, c.name);

@@ -1,11 +1,10 @@
 // Logging contacts through the main window's entry fields: Enter, the checks with
 // their messages and focus, the contest's rules, the dupe question, the reset of the
 // fields, and a log folder that cannot be written.
-#include "tst_main_window_support.h"
-
 #include "core/call_index.h"
 #include "core/error_trap.h"
 #include "core/tallies.h"
+#include "tst_main_window_support.h"
 
 #include <QAction>
 
@@ -49,7 +48,8 @@ private slots:
 
 void TestMainWindowEntry::enterInEveryEntryFieldLogs_data() {
     QTest::addColumn<QString>("field");
-    for (const char* n : {"Text1", "Text2", "Text3", "Text4", "Text5", "Text8", "Combo1", "Combo2", "Combo5", "Check1"})
+    for (const char* n :
+         {"Text1", "Text2", "Text3", "Text4", "Text5", "Text8", "Combo1", "Combo2", "Combo5", "Check1"})
         QTest::newRow(n) << QString::fromLatin1(n);
 }
 
@@ -120,7 +120,8 @@ void TestMainWindowEntry::districtWithoutRowNeverReachesTheTallies() {
     QCOMPARE(f.Label13()->text(), QStringLiteral("BEZIRK ungültig"));
     QCOMPARE(f.home.model.GruppeBandCount, tallies);
     QCOMPARE(f.home.model.QsoCount, 0.0);
-    for (const BezirkRecord& b : f.home.model.BezirkRecords) QCOMPARE(b.AnzGesamt, 0);
+    for (const BezirkRecord& b : f.home.model.BezirkRecords)
+        QCOMPARE(b.AnzGesamt, 0);
 }
 
 void TestMainWindowEntry::stateStationOn40mGetsTheBox() {
@@ -128,7 +129,8 @@ void TestMainWindowEntry::stateStationOn40mGetsTheBox() {
     QVERIFY(f.StartEmpty());
     f.Type(QStringLiteral("OEK1"), 0, QStringLiteral("WI"));
     QCOMPARE(f.dialogs.boxes.size(), 1);
-    QCOMPARE(f.dialogs.LastBox()->text, QStringLiteral("Staatsfunkstellen dürfen nur auf 80/30m gearbeitet werden!"));
+    QCOMPARE(f.dialogs.LastBox()->text,
+             QStringLiteral("Staatsfunkstellen dürfen nur auf 80/30m gearbeitet werden!"));
     QCOMPARE(f.dialogs.LastBox()->flags, 64);
     QCOMPARE(f.window->focusWidget(), f.Combo(1));
     QVERIFY(f.home.model.StaatsfunkRecords.empty());
@@ -150,7 +152,8 @@ void TestMainWindowEntry::amateurOn30mIsRefusedInAnAmateurLog() {
     WindowFixture f;
     QVERIFY(f.StartEmpty());
     f.Type(QStringLiteral("OE3ABC"), 2, QStringLiteral("MD"));
-    QCOMPARE(f.dialogs.LastBox()->text, QStringLiteral("Amateurfunk-Stationen dürfen nur auf 80/40m gearbeitet werden!"));
+    QCOMPARE(f.dialogs.LastBox()->text,
+             QStringLiteral("Amateurfunk-Stationen dürfen nur auf 80/40m gearbeitet werden!"));
     QCOMPARE(f.dialogs.LastBox()->flags, 64);
     QCOMPARE(f.window->focusWidget(), f.Combo(1));
     QVERIFY(f.home.model.LogRecords.empty());

@@ -1,9 +1,8 @@
 // A contest session at the keyboard: an empty log, thirty contacts typed and entered
 // with the odd ones a contest brings, the file checked after every Enter, then the
 // program closed and started again.
-#include "tst_main_window_support.h"
-
 #include "core/tallies.h"
+#include "tst_main_window_support.h"
 
 using namespace kolibrino;
 using namespace kolibrino::test;
@@ -13,7 +12,7 @@ namespace {
 struct Attempt {
     QTime time;
     QString call;
-    int band;    // list index
+    int band; // list index
     QString bezirk;
     int mode;    // list index
     int answer;  // dupe box answer, 0 when no box is expected
@@ -22,25 +21,42 @@ struct Attempt {
 };
 
 QList<Attempt> Session() {
-    const QString districts[] = {QStringLiteral("WI"), QStringLiteral("MD"), QStringLiteral("GZ"), QStringLiteral("ZZ")};
+    const QString districts[] = {QStringLiteral("WI"), QStringLiteral("MD"), QStringLiteral("GZ"),
+                                 QStringLiteral("ZZ")};
     QList<Attempt> list;
     QTime t(5, 0);
     for (int i = 0; i < 25; ++i) {
-        const QString call = QStringLiteral("OE%1%2%3").arg(1 + i % 9).arg(QChar(u'A' + i)).arg(QStringLiteral("XY"));
+        const QString call =
+            QStringLiteral("OE%1%2%3").arg(1 + i % 9).arg(QChar(u'A' + i)).arg(QStringLiteral("XY"));
         list << Attempt{t, call, i % 2, districts[i % 4], (i / 2) % 2, 0, true, {}};
         t = t.addSecs(i == 12 ? 7 * 3600 : 6 * 60); // the second half in the afternoon
     }
     // The odd ones, among the ordinary contacts.
-    const Attempt dupeYes{QTime(5, 40), list[1].call, list[1].band, list[1].bezirk, list[1].mode, Msg::Yes, true, {}};
-    const Attempt dupeNo{QTime(5, 42), list[2].call, list[2].band, list[2].bezirk, list[2].mode, Msg::No, false, {}};
+    const Attempt dupeYes{QTime(5, 40), list[1].call, list[1].band, list[1].bezirk,
+                          list[1].mode, Msg::Yes,     true,         {}};
+    const Attempt dupeNo{QTime(5, 42), list[2].call, list[2].band, list[2].bezirk,
+                         list[2].mode, Msg::No,      false,        {}};
     const Attempt state80{QTime(6, 10), QStringLiteral("OEK1"), 1, QStringLiteral("WI"), 0, 0, true, {}};
-    const Attempt state40{QTime(6, 12), QStringLiteral("OEB2"), 0, QStringLiteral("MD"), 0, 0, false,
+    const Attempt state40{QTime(6, 12),
+                          QStringLiteral("OEB2"),
+                          0,
+                          QStringLiteral("MD"),
+                          0,
+                          0,
+                          false,
                           QStringLiteral("Staatsfunkstellen dürfen nur auf 80/30m gearbeitet werden!")};
-    const Attempt amateur30{QTime(6, 14), QStringLiteral("OE5ZZZ"), 2, QStringLiteral("GZ"), 1, 0, false,
+    const Attempt amateur30{QTime(6, 14),
+                            QStringLiteral("OE5ZZZ"),
+                            2,
+                            QStringLiteral("GZ"),
+                            1,
+                            0,
+                            false,
                             QStringLiteral("Amateurfunk-Stationen dürfen nur auf 80/40m gearbeitet werden!")};
     const Attempt noon{QTime(12, 0), QStringLiteral("OE7NOON"), 1, QStringLiteral("ZZ"), 1, 0, true, {}};
     const Attempt state30{QTime(14, 50), QStringLiteral("OEB9"), 2, QStringLiteral("GZ"), 1, 0, true, {}};
-    const Attempt afternoonAgain{QTime(15, 30), list[1].call, list[1].band, list[1].bezirk, list[1].mode, 0, true, {}};
+    const Attempt afternoonAgain{
+        QTime(15, 30), list[1].call, list[1].band, list[1].bezirk, list[1].mode, 0, true, {}};
     list.insert(8, dupeYes);
     list.insert(10, dupeNo);
     list.insert(12, state80);
@@ -55,7 +71,8 @@ QList<QStringList> GridTexts(const LogGridModel& g) {
     QList<QStringList> rows;
     for (int r = 0; r < g.DataRows(); ++r) {
         QStringList row;
-        for (int c = 0; c < kGridColumns; ++c) row << g.Text(r, c);
+        for (int c = 0; c < kGridColumns; ++c)
+            row << g.Text(r, c);
         row << QString::number(g.BackColor(r, kGridColDupe));
         rows << row;
     }

@@ -3,14 +3,13 @@
 // scripted dialogs and a clock that stands still, and typing into the entry fields.
 #pragma once
 
-#include "test_support.h"
-
 #include "core/clock.h"
 #include "core/log_file.h"
 #include "core/scripted_dialogs.h"
 #include "core/settings.h"
 #include "entry/log_grid_view.h"
 #include "entry/main_window.h"
+#include "test_support.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -92,9 +91,15 @@ public:
         return Start();
     }
 
-    template <class W> W* Child(const char* name) const { return window->findChild<W*>(QString::fromLatin1(name)); }
-    QLineEdit* Text(int n) const { return Child<QLineEdit>(QStringLiteral("Text%1").arg(n).toLatin1().constData()); }
-    QComboBox* Combo(int n) const { return Child<QComboBox>(QStringLiteral("Combo%1").arg(n).toLatin1().constData()); }
+    template <class W> W* Child(const char* name) const {
+        return window->findChild<W*>(QString::fromLatin1(name));
+    }
+    QLineEdit* Text(int n) const {
+        return Child<QLineEdit>(QStringLiteral("Text%1").arg(n).toLatin1().constData());
+    }
+    QComboBox* Combo(int n) const {
+        return Child<QComboBox>(QStringLiteral("Combo%1").arg(n).toLatin1().constData());
+    }
     QLabel* Label13() const { return Child<QLabel>("Label13"); }
     LogGridModel& Grid() const { return window->Grid(); }
     QString LogPath() const { return home.model.LogFolder + home.model.CurrentLogName; }

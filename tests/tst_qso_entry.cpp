@@ -1,13 +1,12 @@
 // Logging one contact without a window: the checks in their order, the state-station
 // rule, the dupe decision, the tallies, the record and the file.
-#include "test_support.h"
-
 #include "core/call_index.h"
 #include "core/log_file.h"
 #include "core/scripted_dialogs.h"
 #include "core/tallies.h"
 #include "entry/log_grid_model.h"
 #include "entry/qso_entry.h"
+#include "test_support.h"
 
 using namespace kolibrino;
 using namespace kolibrino::test;
@@ -25,7 +24,8 @@ struct Bench {
         BuildLogText(home.model, true, 2026);
         WriteLogFile(home.model);
     }
-    EntryFields Fields(const QString& call, int bandIndex = 1, const QString& bezirk = QStringLiteral("WI")) const {
+    EntryFields Fields(const QString& call, int bandIndex = 1,
+                       const QString& bezirk = QStringLiteral("WI")) const {
         EntryFields f;
         f.datum = QStringLiteral("01.05.2026");
         f.zeit = QStringLiteral("06:15");
@@ -82,22 +82,38 @@ void TestQsoEntry::checksFailInTheirOrder_data() {
     QTest::addColumn<int>("check");
     QTest::addColumn<QString>("message");
     QTest::addColumn<EntryFocus>("focus");
-    QTest::newRow("1 call of 2") << "call" << "OE" << 1 << kMsgRufzeichen << EntryFocus::Text3;
-    QTest::newRow("1 call of 2 with blanks") << "call" << "  OE  " << 1 << kMsgRufzeichen << EntryFocus::Text3;
-    QTest::newRow("2 OEOE") << "call" << "OEOE1ABC" << 2 << kMsgRufzeichen << EntryFocus::Text3;
-    QTest::newRow("3 band") << "band" << "4" << 3 << kMsgBand << EntryFocus::Combo1;
-    QTest::newRow("4 mode") << "mode" << "S" << 4 << kMsgMode << EntryFocus::Combo2;
-    QTest::newRow("5 RSTs") << "rsts" << "5" << 5 << kMsgRsts << EntryFocus::Text4;
-    QTest::newRow("6 RSTe") << "rste" << " 5 " << 6 << kMsgRste << EntryFocus::Text5;
-    QTest::newRow("7 district W") << "bezirk" << "W" << 7 << kMsgBezirk << EntryFocus::Combo5;
-    QTest::newRow("7 district of 3") << "bezirk" << "WIX" << 7 << kMsgBezirk << EntryFocus::Combo5;
-    QTest::newRow("8 unknown district") << "bezirk" << "QQ" << 8 << kMsgBezirk << EntryFocus::Combo5;
-    QTest::newRow("9 amateur on 30 m") << "band30" << "OE1ABC" << 9 << kMsgAmateur30 << EntryFocus::Combo1;
-    QTest::newRow("9 state station on 40 m") << "band40" << "OEK1" << 9 << kMsgStaatsfunk40 << EntryFocus::Combo1;
-    QTest::newRow("10 time") << "zeit" << "25:00" << 10 << kMsgZeit << EntryFocus::Text2;
-    QTest::newRow("10 time empty") << "zeit" << "" << 10 << kMsgZeit << EntryFocus::Text2;
-    QTest::newRow("11 date") << "datum" << "32.05.2026" << 11 << kMsgDatum << EntryFocus::Text1;
-    QTest::newRow("11 date pattern") << "datum" << "00.00.0000" << 11 << kMsgDatum << EntryFocus::Text1;
+    QTest::newRow("1 call of 2") << "call"
+                                 << "OE" << 1 << kMsgRufzeichen << EntryFocus::Text3;
+    QTest::newRow("1 call of 2 with blanks") << "call"
+                                             << "  OE  " << 1 << kMsgRufzeichen << EntryFocus::Text3;
+    QTest::newRow("2 OEOE") << "call"
+                            << "OEOE1ABC" << 2 << kMsgRufzeichen << EntryFocus::Text3;
+    QTest::newRow("3 band") << "band"
+                            << "4" << 3 << kMsgBand << EntryFocus::Combo1;
+    QTest::newRow("4 mode") << "mode"
+                            << "S" << 4 << kMsgMode << EntryFocus::Combo2;
+    QTest::newRow("5 RSTs") << "rsts"
+                            << "5" << 5 << kMsgRsts << EntryFocus::Text4;
+    QTest::newRow("6 RSTe") << "rste"
+                            << " 5 " << 6 << kMsgRste << EntryFocus::Text5;
+    QTest::newRow("7 district W") << "bezirk"
+                                  << "W" << 7 << kMsgBezirk << EntryFocus::Combo5;
+    QTest::newRow("7 district of 3") << "bezirk"
+                                     << "WIX" << 7 << kMsgBezirk << EntryFocus::Combo5;
+    QTest::newRow("8 unknown district") << "bezirk"
+                                        << "QQ" << 8 << kMsgBezirk << EntryFocus::Combo5;
+    QTest::newRow("9 amateur on 30 m") << "band30"
+                                       << "OE1ABC" << 9 << kMsgAmateur30 << EntryFocus::Combo1;
+    QTest::newRow("9 state station on 40 m") << "band40"
+                                             << "OEK1" << 9 << kMsgStaatsfunk40 << EntryFocus::Combo1;
+    QTest::newRow("10 time") << "zeit"
+                             << "25:00" << 10 << kMsgZeit << EntryFocus::Text2;
+    QTest::newRow("10 time empty") << "zeit"
+                                   << "" << 10 << kMsgZeit << EntryFocus::Text2;
+    QTest::newRow("11 date") << "datum"
+                             << "32.05.2026" << 11 << kMsgDatum << EntryFocus::Text1;
+    QTest::newRow("11 date pattern") << "datum"
+                                     << "00.00.0000" << 11 << kMsgDatum << EntryFocus::Text1;
 }
 
 void TestQsoEntry::checksFailInTheirOrder() {
@@ -198,13 +214,14 @@ void TestQsoEntry::gridRowHoldsTheTextsAsTyped() {
     f.zeit = QStringLiteral("6:05");
     f.notiz = QStringLiteral(" n ");
     QCOMPARE(b.Take(f).outcome, EntryResult::Logged);
-    const QStringList expected = {QStringLiteral("01.05.2026"), QStringLiteral("6:05"), QStringLiteral("80m"),
-                                  QStringLiteral("SSB"),        QStringLiteral("OE1ABC"), QStringLiteral("59"),
-                                  QStringLiteral("59"),         QStringLiteral("WI"),     QStringLiteral("0"),
-                                  QStringLiteral(" n "),        QStringLiteral("OE1OPR"), QString(),
-                                  QStringLiteral("SSB"),        QStringLiteral("0"),      QStringLiteral("3500"),
-                                  QStringLiteral("0"),          QStringLiteral("0")};
-    for (int c = 0; c < kGridColumns; ++c) QCOMPARE(b.grid.Text(0, c), expected[c]);
+    const QStringList expected = {
+        QStringLiteral("01.05.2026"), QStringLiteral("6:05"), QStringLiteral("80m"),    QStringLiteral("SSB"),
+        QStringLiteral("OE1ABC"),     QStringLiteral("59"),   QStringLiteral("59"),     QStringLiteral("WI"),
+        QStringLiteral("0"),          QStringLiteral(" n "),  QStringLiteral("OE1OPR"), QString(),
+        QStringLiteral("SSB"),        QStringLiteral("0"),    QStringLiteral("3500"),   QStringLiteral("0"),
+        QStringLiteral("0")};
+    for (int c = 0; c < kGridColumns; ++c)
+        QCOMPARE(b.grid.Text(0, c), expected[c]);
 }
 
 void TestQsoEntry::firstContactGetsLaufNrZeroAndIndexZero() {
@@ -335,13 +352,14 @@ void TestQsoEntry::companionCallsFollowTheCallClass() {
     };
     TakeEntry(b.m(), b.dialogs, b.grid, b.Fields(QStringLiteral("OE3ABC"), 1, QStringLiteral("MD")), calls);
     TakeEntry(b.m(), b.dialogs, b.grid, b.Fields(QStringLiteral("OEK1"), 1, QStringLiteral("GZ")), calls);
-    QCOMPARE(log, QStringList({QStringLiteral("fuellen MD"), QStringLiteral("zelle MD 3 "), QStringLiteral("fuellen GZ"),
-                               QStringLiteral("zelle GZ 0 OEK")}));
+    QCOMPARE(log, QStringList({QStringLiteral("fuellen MD"), QStringLiteral("zelle MD 3 "),
+                               QStringLiteral("fuellen GZ"), QStringLiteral("zelle GZ 0 OEK")}));
 }
 
 void TestQsoEntry::commitKeepsRecordsIndexTextAndFileInStep() {
     Bench b;
-    for (const char* call : {"OE1ABC", "OE3DEF", "OE6GHI"}) b.Take(b.Fields(QString::fromLatin1(call)));
+    for (const char* call : {"OE1ABC", "OE3DEF", "OE6GHI"})
+        b.Take(b.Fields(QString::fromLatin1(call)));
     QCOMPARE(ReadBytes(CurrentLogPath(b.m())), ToCp1252(b.m().LogText));
     Model copy = b.m();
     const QString index = copy.CallIndex;

@@ -39,13 +39,20 @@ const CompanionDef& CompanionOf(Companion id) {
 
 bool& OpenFlag(Model& m, Companion id) {
     switch (id) {
-    case Companion::BZKarte: return m.Open.BZKarte;
-    case Companion::GridKarte: return m.Open.GridKarte;
-    case Companion::Frequenz: return m.Open.Frequenz;
-    case Companion::Statistik: return m.Open.Statistik;
-    case Companion::Transceiver: return m.Open.Transceiver;
-    case Companion::LogTracker: return m.Open.LogTracker;
-    case Companion::DBLog: break;
+    case Companion::BZKarte:
+        return m.Open.BZKarte;
+    case Companion::GridKarte:
+        return m.Open.GridKarte;
+    case Companion::Frequenz:
+        return m.Open.Frequenz;
+    case Companion::Statistik:
+        return m.Open.Statistik;
+    case Companion::Transceiver:
+        return m.Open.Transceiver;
+    case Companion::LogTracker:
+        return m.Open.LogTracker;
+    case Companion::DBLog:
+        break;
     }
     return m.Open.DBLog;
 }
@@ -96,7 +103,8 @@ void SaveWindowPos(const QWidget* w, const QString& name) {
 
 bool RunTrappedUi(Dialogs& dialogs, const std::function<QString()>& op) {
     if (RunTrapped(dialogs, op)) return true;
-    while (QGuiApplication::overrideCursor()) QGuiApplication::restoreOverrideCursor();
+    while (QGuiApplication::overrideCursor())
+        QGuiApplication::restoreOverrideCursor();
     return false;
 }
 

@@ -21,8 +21,12 @@ namespace kolibrino {
 
 // Stored positions and sizes are in twips, 15 to a pixel.
 inline constexpr int kTwipsPerPixel = 15;
-inline int TwipsToPixels(int twips) { return twips / kTwipsPerPixel; }
-inline int PixelsToTwips(int pixels) { return pixels * kTwipsPerPixel; }
+inline int TwipsToPixels(int twips) {
+    return twips / kTwipsPerPixel;
+}
+inline int PixelsToTwips(int pixels) {
+    return pixels * kTwipsPerPixel;
+}
 
 inline const char* const kSectionEinstellungen = "Einstellungen";
 inline const char* const kSectionFensterPos = "FensterPos";
@@ -33,11 +37,11 @@ inline constexpr int kCompanionCount = 7;
 
 struct CompanionDef {
     Companion id;
-    const char* name;        // object name of the window
-    const char* openKey;     // Einstellungen key: open at the last exit
-    const char* posName;     // FensterPos prefix of <posName>Top / <posName>Left
-    const char* menuEntry;   // object name of the check-mark menu entry
-    int defaultTop;          // twips, the design place
+    const char* name;      // object name of the window
+    const char* openKey;   // Einstellungen key: open at the last exit
+    const char* posName;   // FensterPos prefix of <posName>Top / <posName>Left
+    const char* menuEntry; // object name of the check-mark menu entry
+    int defaultTop;        // twips, the design place
     int defaultLeft;
 };
 
@@ -69,6 +73,8 @@ void WriteWindowPos(const QString& name, int topTwips, int leftTwips);
 bool RunTrappedUi(Dialogs& dialogs, const std::function<QString()>& op);
 
 // Settings flags are 0 or -1.
-inline int FlagValue(bool on) { return on ? -1 : 0; }
+inline int FlagValue(bool on) {
+    return on ? -1 : 0;
+}
 
 } // namespace kolibrino
