@@ -8,6 +8,7 @@
 #include "setup/modal.h"
 #include "setup/setup_flows.h"
 #include "setup/sichern_einstellungen.h"
+#include "setup_support.h"
 #include "test_support.h"
 
 #include <QCheckBox>
@@ -22,13 +23,6 @@ using namespace kolibrino::setup;
 using namespace kolibrino::test;
 
 namespace {
-
-void Shot(QWidget* w, const QString& name) {
-    const QString dir = qEnvironmentVariable("KOLIBRINO_SCREENSHOTS");
-    if (dir.isEmpty()) return;
-    QDir().mkpath(dir);
-    w->grab().save(dir + QLatin1Char('/') + name + QStringLiteral(".png"));
-}
 
 QString NoSlash(QString p) {
     if (p.endsWith(QLatin1Char('/'))) p.chop(1);

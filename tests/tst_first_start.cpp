@@ -12,6 +12,7 @@
 #include "setup/main_window_setup.h"
 #include "setup/modal.h"
 #include "setup/station_log.h"
+#include "setup_support.h"
 #include "test_support.h"
 
 #include <QAction>
@@ -27,13 +28,6 @@ using namespace kolibrino::setup;
 using namespace kolibrino::test;
 
 namespace {
-
-void Shot(QWidget* w, const QString& name) {
-    const QString dir = qEnvironmentVariable("KOLIBRINO_SCREENSHOTS");
-    if (dir.isEmpty()) return;
-    QDir().mkpath(dir);
-    w->grab().save(dir + QLatin1Char('/') + name + QStringLiteral(".png"));
-}
 
 // What main() does before the main window.
 void Prepare(Model& m) {

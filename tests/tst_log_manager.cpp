@@ -8,6 +8,7 @@
 #include "setup/log_new_open.h"
 #include "setup/modal.h"
 #include "setup/station_log.h"
+#include "setup_support.h"
 #include "test_support.h"
 
 #include <QApplication>
@@ -24,33 +25,9 @@ using namespace kolibrino::test;
 
 namespace {
 
-void Shot(QWidget* w, const QString& name) {
-    const QString dir = qEnvironmentVariable("KOLIBRINO_SCREENSHOTS");
-    if (dir.isEmpty()) return;
-    QDir().mkpath(dir);
-    w->grab().save(dir + QLatin1Char('/') + name + QStringLiteral(".png"));
-}
-
-struct Env {
-    Home home;
-    ScriptedDialogs d;
-    FixedTimeSource clock{QDateTime(QDate(2026, 3, 10), QTime(9, 30))};
-    Model& m = home.model;
-
-    Env() {
-        WriteBytes(m.DataFolder + QStringLiteral("bez_koord.txt"), SmallDistrictTable());
-        LoadBezirkTable(m, d);
-        d.Clear();
-    }
+struct Env : SetupEnv {
     // A log file with a header for call and nothing else.
-    void MakeLog(const QString& name, const QString& call = QStringLiteral("OE1XYZ")) {
-        Model tmp = m;
-        tmp.Header = DefaultHeader(m);
-        tmp.Header.MYCALL = call;
-        tmp.Header.MYBZ = QStringLiteral("WI");
-        tmp.LogRecords.clear();
-        WriteBytes(m.LogFolder + name, Cp(BuildLogText(tmp, false, 2026)));
-    }
+    void MakeLog(const QString& name, const QString& call = QStringLiteral("OE1XYZ")) { SetupEnv::MakeLog(name, {}, 0, call); }
     QStringList Logs() const { return ListLogs(m.LogFolder); }
 };
 

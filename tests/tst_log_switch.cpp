@@ -10,6 +10,7 @@
 #include "setup/modal.h"
 #include "setup/setup_flows.h"
 #include "setup/station_log.h"
+#include "setup_support.h"
 #include "test_support.h"
 
 #include <QComboBox>
@@ -61,32 +62,10 @@ struct Recorder {
     }
 };
 
-struct Env {
-    Home home;
-    ScriptedDialogs d;
-    FixedTimeSource clock{QDateTime(QDate(2026, 5, 1), QTime(14, 30))};
-    Model& m = home.model;
+struct Env : SetupEnv {
     Recorder rec;
 
-    Env() {
-        WriteBytes(m.DataFolder + QStringLiteral("bez_koord.txt"), SmallDistrictTable());
-        LoadBezirkTable(m, d);
-        d.Clear();
-    }
-    void MakeLog(const QString& name, const std::vector<QsoRecord>& contacts, int klasse = 0,
-                 const QString& call = QStringLiteral("OE1XYZ")) {
-        Model tmp = m;
-        tmp.Header = DefaultHeader(m);
-        tmp.Header.MYCALL = call;
-        tmp.Header.MYBZ = QStringLiteral("WI");
-        tmp.Header.MYOPCALL = call;
-        tmp.Header.MYWERTUNGSST = klasse;
-        tmp.LogRecords = contacts;
-        WriteBytes(m.LogFolder + name, Cp(BuildLogText(tmp, false, 2026)));
-    }
-    void SetLast(const QString& name) {
-        IniWrite(m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), name);
-    }
+    Env() : SetupEnv(QDateTime(QDate(2026, 5, 1), QTime(14, 30))) {}
     // The log as the main window holds it after its Load.
     void Open(const QString& name) {
         m.CurrentLogName = name;

@@ -7,6 +7,7 @@
 #include "setup/modal.h"
 #include "setup/setup_flows.h"
 #include "setup/station_log.h"
+#include "setup_support.h"
 #include "test_support.h"
 
 #include <QApplication>
@@ -25,25 +26,7 @@ using namespace kolibrino::test;
 
 namespace {
 
-void Shot(QWidget* w, const QString& name) {
-    const QString dir = qEnvironmentVariable("KOLIBRINO_SCREENSHOTS");
-    if (dir.isEmpty()) return;
-    QDir().mkpath(dir);
-    w->grab().save(dir + QLatin1Char('/') + name + QStringLiteral(".png"));
-}
-
-struct Env {
-    Home home;
-    ScriptedDialogs d;
-    FixedTimeSource clock{QDateTime(QDate(2026, 3, 10), QTime(9, 30))};
-    Model& m = home.model;
-
-    Env() {
-        WriteBytes(m.DataFolder + QStringLiteral("bez_koord.txt"), SmallDistrictTable());
-        LoadBezirkTable(m, d);
-        d.Clear();
-    }
-};
+using Env = SetupEnv;
 
 template <typename T> T* Get(QWidget& w, const QString& name) {
     T* c = w.findChild<T*>(name);
