@@ -202,7 +202,11 @@ QString ListCall(const QString& call) {
 
 std::optional<QString> StationName(const QString& oeCallList, const QString& call) {
     if (call.isEmpty() || oeCallList.isEmpty()) return std::nullopt;
-    const qsizetype p = oeCallList.indexOf(call + QLatin1Char(';'));
+    // The hit must start a line: "E1ABC;" is no hit in the line "OE1ABC;...".
+    const QString key = call + QLatin1Char(';');
+    qsizetype p = oeCallList.indexOf(key);
+    while (p > 0 && oeCallList[p - 1] != QLatin1Char('\n'))
+        p = oeCallList.indexOf(key, p + 1);
     if (p < 0) return std::nullopt;
     const qsizetype semi = oeCallList.indexOf(QLatin1Char(';'), p);
     qsizetype lf = oeCallList.indexOf(QLatin1Char('\n'), semi + 1);

@@ -158,8 +158,9 @@ CallChangeResult CallChange(const Model& m, const QString& text, int band, const
 // The call the call list is searched for: the trimmed call up to a "/" from the fourth
 // character on ("OE5XYZ/P" gives "OE5XYZ"; "OE/..." keeps its early "/").
 QString ListCall(const QString& call);
-// Label10's text for a call: the hit of call ";" in the list, a blank and the name up to
-// the end of its line; nullopt when the call is not in the list.
+// Label10's text for a call: the hit of call ";" at the start of a line of the list
+// (position 0 or behind a line feed), a blank and the name up to the end of its line;
+// nullopt when the call is not in the list.
 std::optional<QString> StationName(const QString& oeCallList, const QString& call);
 
 // Text3 LostFocus: from two characters on the test runs once more (fills Combo5); then

@@ -1,8 +1,8 @@
-// The main window's frame: construction, the grid and its events, the timers, resize,
-// minimise and restore, and the hand-over of companion windows.
+// The main window's frame: construction, the grid and its events, the timers' set-up,
+// the event filter of the entry fields, resize, minimise and restore, and the
+// hand-over of companion windows.
 #include "entry/main_window.h"
 
-#include "core/backup.h"
 #include "entry/log_grid_view.h"
 
 #include <QAction>
@@ -10,25 +10,17 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QFocusEvent>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 namespace kolibrino {
-namespace {
-
-// Timer periods: Timer1 and Timer4 show each second, Timer2 blinks, Timer3 copies the
-// log a little after an entry, when the operator is no longer typing.
-constexpr int kTimer1Ms = 250;
-constexpr int kTimer2Ms = 400;
-constexpr int kTimer3Ms = 3000;
-constexpr int kTimer4Ms = 500;
-
-} // namespace
 
 HauptForm::HauptForm(Model& m, Dialogs& dialogs, const TimeSource& clock, QWidget* parent)
     : QMainWindow(parent), m_(m), dialogs_(dialogs), clock_(clock), grid_(m.Formats) {
@@ -46,14 +38,15 @@ HauptForm::HauptForm(Model& m, Dialogs& dialogs, const TimeSource& clock, QWidge
     BuildGrid(central);
     setGeometry(DesignGeometry());
 
-    timer1_.setInterval(kTimer1Ms);
-    timer2_.setInterval(kTimer2Ms);
-    timer3_.setInterval(kTimer3Ms);
+    timer1_.setInterval(kTimer1IntervalMs);
+    timer2_.setInterval(kTimer2IntervalMs);
+    timer3_.setInterval(kTimer3DelayMs);
     timer3_.setSingleShot(true);
-    timer4_.setInterval(kTimer4Ms);
+    timer4_.setInterval(kTimer4IntervalMs);
     connect(&timer1_, &QTimer::timeout, this, &HauptForm::Timer1Tick);
     connect(&timer2_, &QTimer::timeout, this, &HauptForm::Timer2Tick);
     connect(&timer3_, &QTimer::timeout, this, &HauptForm::Timer3Tick);
+    connect(&timer4_, &QTimer::timeout, this, &HauptForm::Timer4Tick);
 }
 
 HauptForm::~HauptForm() = default;
@@ -94,28 +87,6 @@ void HauptForm::DatenInGrid1Neu() {
     gridView_->KeepLastRowInView();
 }
 
-void HauptForm::Timer1Tick() {
-    if (Action(QStringLiteral("MnZeitDatumLock"))->isChecked()) return;
-    const QDateTime now = ContestNow(clock_, m_.ZeitOffset);
-    const QString time = m_.Formats.ShortTime(now.time());
-    if (text2_->text() != time) text2_->setText(time);
-    const QString date = m_.Formats.ShortDate(now.date());
-    if (text1_->text() != date) text1_->setText(date);
-}
-
-void HauptForm::Timer2Tick() {
-    const bool red = dupCommand1_->property("red").toBool();
-    dupCommand1_->setProperty("red", !red);
-    dupCommand1_->setStyleSheet(red ? QString() : QStringLiteral("background-color: #FF0000; color: white;"));
-}
-
-void HauptForm::Timer3Tick() {
-    timer3_.stop();
-    if (m_.CurrentLogName.isEmpty()) return;
-    BackupFile(dialogs_, m_.LogFolder + m_.CurrentLogName, m_.BackupFolder + m_.CurrentLogName,
-               m_.ExtraBackupPath);
-}
-
 void HauptForm::RegisterCompanion(Companion id, QWidget* window) {
     companions_[size_t(id)] = window;
 }
@@ -125,14 +96,37 @@ QWidget* HauptForm::CompanionWindow(Companion id) const {
 }
 
 bool HauptForm::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::KeyPress) {
+    switch (event->type()) {
+    case QEvent::KeyPress: {
         auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
-            Uebernehmen();
-            return true;
+        // The window sees every key first (its KeyDown), then the field its KeyPress.
+        if (WindowKeyDown(key)) return true;
+        const std::optional<EntryField> f = FieldOf(watched);
+        if (f && FieldKeyPress(*f, key)) return true;
+        break;
+    }
+    case QEvent::KeyRelease:
+        if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) Shift.KeyUp();
+        break;
+    case QEvent::FocusIn:
+    case QEvent::FocusOut: {
+        // Opening a menu or switching to another program is no change of the field.
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) break;
+        if (const std::optional<EntryField> f = FieldOf(watched)) {
+            if (event->type() == QEvent::FocusIn)
+                FieldGotFocus(*f);
+            else
+                FieldLostFocus(*f);
         }
-        // A key typed into the date or time stops the clock until the next reset.
-        if (watched == text1_ || watched == text2_) timer1_.stop();
+        break;
+    }
+    case QEvent::MouseButtonRelease:
+        if (watched == label13_ && static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton)
+            Label13Click();
+        break;
+    default:
+        break;
     }
     return QMainWindow::eventFilter(watched, event);
 }

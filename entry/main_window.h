@@ -3,8 +3,9 @@
 //
 // The application makes one HauptForm over its one Model and calls Load(); tests make
 // their own over their own Model, ScriptedDialogs and FixedTimeSource. The window reads
-// its controls and calls the logic (entry/qso_entry.h, entry/log_grid_model.h) for
-// every change of the model; it decides no contest rule itself.
+// its controls and calls the logic (entry/qso_entry.h, entry/log_grid_model.h,
+// entry/entry_keys.h, entry/contest_clock.h) for every key, click, tick and change of
+// the model; it decides no contest rule itself.
 //
 // GUI thread only. Load() returns false when there is no log to open (the window is
 // then closed and the program should end). File errors are shown through the
@@ -14,6 +15,8 @@
 #include "core/clock.h"
 #include "core/dialogs.h"
 #include "core/log_model.h"
+#include "entry/contest_clock.h"
+#include "entry/entry_keys.h"
 #include "entry/log_grid_model.h"
 #include "entry/qso_entry.h"
 #include "ui/window_support.h"
@@ -31,6 +34,7 @@ class QActionGroup;
 class QCheckBox;
 class QComboBox;
 class QGroupBox;
+class QKeyEvent;
 class QLabel;
 class QLineEdit;
 class QMenu;
@@ -79,11 +83,17 @@ public:
     void MnCallVorgabe();
     void MnEingabe();
     void MnCountdown();
+    // Submission of the log. The submission window plugs in through logEinsenden; until
+    // then the menu entry stands disabled and this runs the hook only. The end-of-period
+    // reminders of Timer4 and the offer at closing come here.
+    void MnLogEinsenden();
 
-    // Timer ticks: date and time fields, dupe blinking, delayed backup.
+    // Timer ticks: date and time fields, dupe blinking, delayed backup, countdown and
+    // reminders.
     void Timer1Tick();
     void Timer2Tick();
     void Timer3Tick();
+    void Timer4Tick();
     QTimer& Timer1() { return timer1_; }
     QTimer& Timer2() { return timer2_; }
     QTimer& Timer3() { return timer3_; }
@@ -97,11 +107,14 @@ public:
     // Whether the last contact reached the file.
     bool FileUpToDate() const { return fileUpToDate_; }
 
-    // Window members.
-    bool ShiftDown = false;
-    bool OfferedPeriod1 = false;
-    bool OfferedPeriod2 = false;
+    // Window members: ShiftDown, the reminder flags OfferedPeriod1 and OfferedPeriod2,
+    // the call list.
+    ShiftTracker Shift;
+    SubmissionReminders Reminders;
     QString OeCallListText;
+    // The state of the date and time fields' lock and of the dupe button, as shown.
+    const DateTimeLockState& DateTimeLock() const { return lock_; }
+    const DupeButton& DupeWarning() const { return dupe_; }
 
     // Hooks for the windows of other parts of the program and for tests.
     std::function<void()> logChooser;                   // the log chooser window
@@ -111,6 +124,11 @@ public:
     std::function<void(const QString&)> bzKarteFuellen; // district map: colour a district
     std::function<void(const QString&, int, const QString&)> gridKarteCellColor; // multiplier table
     std::function<std::optional<float>(int)> frequenzOf;                         // frequency window
+    // The frequency window is told a new band (FreqALT) or mode (SetMode) list index;
+    // it sets its own busy flag around the call. Called only while it is open.
+    std::function<void(int)> frequenzFreqAlt;
+    std::function<void(int)> frequenzSetMode;
+    std::function<int()> dbLogRows; // rows of the partial-call window's grid
     // A companion window hands itself over when it is built, so that it can be
     // hidden, shown, moved and closed with the main window.
     void RegisterCompanion(Companion id, QWidget* window);
@@ -123,6 +141,9 @@ signals:
     void loeschenRequested(int row);
     void statistikRefreshRequested();
     void trackerRefreshRequested();
+    // The partial-call window (only while it is open): refresh its list, or empty it.
+    void dbLogRefreshRequested();
+    void dbLogClearRequested();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -141,7 +162,36 @@ private:
     EntryFields ReadEntryFields() const;
     void FocusField(EntryFocus field);
     void SetReports(int modeIndex);
-    void ApplyDateTimeLock(bool locked);
+    void ConnectEntryEvents();
+    // Keys and focus of the entry fields (main_window_keys.cpp).
+    std::optional<EntryField> FieldOf(const QObject* o) const;
+    QWidget* FieldWidget(EntryField f) const;
+    bool WindowKeyDown(QKeyEvent* e);
+    bool FieldKeyPress(EntryField f, QKeyEvent* e);
+    bool FieldTab(EntryField f, QKeyEvent* e);
+    void FieldGotFocus(EntryField f);
+    void FieldLostFocus(EntryField f);
+    void Text3Change();
+    void Text3LostFocus();
+    void Text2LostFocus();
+    void Combo1Click();
+    void Combo2Click();
+    void Check1Click();
+    void Combo6Enter();
+    void Combo6Click(int index);
+    void DupCommand1Click();
+    void Label13Click();
+    std::optional<QTime> EntryTime() const;
+    void ApplyCallCheck(const CallCheck& check);
+    void ShowDupeButton();
+    void PaintDupeButton();
+    void PaintField(EntryField f, bool focused);
+    QStringList Operators() const;
+    void SetOperators(const QStringList& calls);
+    void ApplyEntryPanel(const EntryPanelLayout& panel);
+    // The clock (main_window_clock.cpp).
+    void ApplyDateTimeLock();
+    void ApplyZpm(int index);
     bool OpenInShell(const QUrl& url);
     QWidget* CompanionWindow(Companion id) const;
     void GridRowChanged(int row);
@@ -158,6 +208,10 @@ private:
     bool unloaded_ = false;
     int popupRow_ = -1;
     std::array<QPointer<QWidget>, kCompanionCount> companions_;
+    DateTimeLockState lock_;
+    DupeButton dupe_;
+    EntryPanelLayout entryPanel_ = EntryPanel(false);
+    bool combo6Busy_ = false;
 
     QTimer timer1_;
     QTimer timer2_;
@@ -187,7 +241,7 @@ private:
     // Menus.
     QMenu* mnVersteckt_ = nullptr;
     QActionGroup* zpmGroup_ = nullptr;
-    std::array<QAction*, 25> zpm_{};
+    std::array<QAction*, kZpmCount> zpm_{};
     QAction* mnZeitTimer_ = nullptr;
 };
 

@@ -3,6 +3,8 @@
 #include "core/backup.h"
 #include "entry/log_grid_view.h"
 #include "entry/main_window.h"
+#include "ui/back_colour.h"
+#include "ui/combo_max_length.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -159,12 +161,9 @@ void HauptForm::BuildEntryArea(QWidget* host) {
     auto* ext = new QHBoxLayout(picture4_);
     ext->setContentsMargins(0, 2, 0, 0);
     ext->setSpacing(8);
-    check1_ = new QCheckBox(QStringLiteral("QSL NEIN"), picture4_);
+    check1_ = new QCheckBox(kQslNein, picture4_);
     check1_->setObjectName(QStringLiteral("Check1"));
     check1_->setToolTip(QStringLiteral("QSL JA/NEIN"));
-    connect(check1_, &QCheckBox::toggled, this, [this](bool on) {
-        check1_->setText(on ? QStringLiteral("QSL JA") : QStringLiteral("QSL NEIN"));
-    });
     text8_ = MakeText(picture4_, "Text8", QStringLiteral("Bemerkungen"), QString(), font,
                       QStringLiteral("Bemerkung"));
     ext->addWidget(check1_);
@@ -186,22 +185,7 @@ void HauptForm::BuildEntryArea(QWidget* host) {
 
     static_cast<QVBoxLayout*>(host->layout())->addLayout(outer);
 
-    // Enter in any of these fields logs the contact.
-    for (QWidget* w : std::initializer_list<QWidget*>{text1_, text2_, text3_, text4_, text5_, text8_, combo1_,
-                                                      combo2_, combo5_, check1_}) {
-        w->installEventFilter(this);
-    }
-    combo5_->lineEdit()->installEventFilter(this);
-    connect(text3_, &QLineEdit::textChanged, this, [this] {
-        label10_->hide();
-        label13_->clear();
-    });
-    connect(dupCommand1_, &QPushButton::clicked, this, [this] {
-        timer2_.stop();
-        dupCommand1_->setEnabled(false);
-        dupCommand1_->setStyleSheet(QString());
-        text3_->setFocus();
-    });
+    ConnectEntryEvents();
     QWidget* const order[] = {text1_, text2_,  combo1_, combo2_, text3_, text4_,
                               text5_, combo5_, check1_, text8_,  combo6_};
     for (size_t i = 0; i + 1 < std::size(order); ++i)
@@ -260,7 +244,7 @@ void HauptForm::FocusField(EntryFocus field) {
 }
 
 void HauptForm::SetReports(int modeIndex) {
-    const QString report = modeIndex == 0 ? QStringLiteral("59") : QStringLiteral("599");
+    const QString report = ReportForMode(modeIndex);
     text4_->setText(report);
     text5_->setText(report);
 }
@@ -286,19 +270,14 @@ void HauptForm::Uebernehmen() {
         BackupFile(dialogs_, m_.LogFolder + m_.CurrentLogName, m_.ExtraBackupPath + m_.CurrentLogName,
                    m_.ExtraBackupPath);
     ResetEntry();
-    OfferedPeriod1 = false;
-    OfferedPeriod2 = false;
+    Reminders.ContactLogged();
     if (gridView_->currentIndex().row() == grid_.DataRows() - 1 && m_.Open.LogTracker)
         emit trackerRefreshRequested();
 }
 
 void HauptForm::ResetEntry() {
-    if (Action(QStringLiteral("MnCallVorgabe"))->isChecked()) {
-        text3_->setText(QStringLiteral("OE"));
-        text3_->setCursorPosition(2);
-    } else {
-        text3_->clear();
-    }
+    text3_->setText(ResetCallText(Action(QStringLiteral("MnCallVorgabe"))->isChecked()));
+    text3_->setCursorPosition(int(text3_->text().size()));
     SetReports(combo2_->currentIndex());
     text8_->clear();
     combo5_->setCurrentIndex(-1);

@@ -22,16 +22,9 @@ namespace {
 
 const QString kEinst = QString::fromLatin1(kSectionEinstellungen);
 const QString kPos = QString::fromLatin1(kSectionFensterPos);
-const QString kOpCalls = QStringLiteral("OPCALLs");
 
 int ReadInt(const QString& section, const QString& key) {
     return int(IniReadInt({}, section, key));
-}
-
-// The operator list as the settings keep it: one entry a line.
-void WriteOpCalls(const QStringList& calls) {
-    IniDeleteSection({}, kOpCalls);
-    IniWriteSection({}, kOpCalls, calls);
 }
 
 // Version bookkeeping in the sections of the program file and of its update file.
@@ -104,26 +97,21 @@ bool HauptForm::Load() {
         combo5_->addItem(m_.BezirkRecords[i].Code);
     combo5_->setCurrentIndex(-1);
     combo5_->clearEditText();
-    QStringList opCalls;
-    IniReadSection({}, kOpCalls, opCalls);
-    combo6_->clear();
-    combo6_->addItems(opCalls);
+    SetOperators(LoadOperators());
     // 14: band and mode of the last run, reports to match.
     combo1_->setCurrentIndex(ReadInt(kEinst, QStringLiteral("Band")));
     combo2_->setCurrentIndex(ReadInt(kEinst, QStringLiteral("Mode")));
     SetReports(combo2_->currentIndex());
     // 15: extended entry, time offset, date lock, call default.
-    const bool extended = ReadInt(kEinst, QStringLiteral("ErwEeingabe")) != 0;
-    Action(QStringLiteral("MnEingabe"))->setChecked(extended);
-    picture4_->setVisible(extended);
-    int zeitPm = ReadInt(kEinst, QStringLiteral("ZeitPM"));
-    if (zeitPm < 0 || zeitPm > 24) zeitPm = 0;
-    zpm_[size_t(zeitPm)]->setChecked(true);
-    m_.ZeitOffset = zeitPm - 12;
-    ApplyDateTimeLock(ReadInt(kEinst, QStringLiteral("DateTimeLock")) != 0);
-    const bool vorgabe = ReadInt(kEinst, QStringLiteral("CallVorgabe")) != 0;
+    ApplyEntryPanel(EntryPanel(ReadErwEingabe()));
+    const int zeitPm = ReadZpmIndex();
+    ApplyZpm(zeitPm);
+    m_.ZeitOffset = ZeitOffsetOfIndex(zeitPm);
+    lock_ = ReadDateTimeLock();
+    ApplyDateTimeLock();
+    const bool vorgabe = ReadCallVorgabe();
     Action(QStringLiteral("MnCallVorgabe"))->setChecked(vorgabe);
-    if (vorgabe && text3_->text().isEmpty()) text3_->setText(QStringLiteral("OE"));
+    if (text3_->text().isEmpty()) text3_->setText(ResetCallText(vorgabe));
     // 16: the log itself, the call list, the manual, the grid.
     const QString path = m_.LogFolder + m_.CurrentLogName;
     if (LoadLog(m_, dialogs_, path) != 1) {
@@ -155,18 +143,17 @@ bool HauptForm::Load() {
     // 20: the log's operator joins the list.
     const QString opCall = m_.Header.MYOPCALL;
     if (!opCall.isEmpty()) {
-        if (combo6_->findText(opCall, Qt::MatchExactly | Qt::MatchCaseSensitive) < 0) {
-            combo6_->addItem(opCall);
-            QStringList all;
-            for (int i = 0; i < combo6_->count(); ++i)
-                all << combo6_->itemText(i);
-            WriteOpCalls(all);
+        if (!Operators().contains(opCall)) {
+            SetOperators(Operators() << opCall);
+            StoreOperators(Operators());
         }
         combo6_->setCurrentText(opCall);
     }
-    // 21: grid shape, backup soon, extra backup folder, menu marks.
+    // 21: grid shape, the frequency window told the band, backup soon, extra backup
+    // folder, menu marks.
     SetGrid1();
     gridView_->KeepLastRowInView();
+    if (m_.Open.Frequenz) Combo1Click();
     timer3_.start();
     const QString extra =
         IniReadString({}, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath")).trimmed();
@@ -176,7 +163,7 @@ bool HauptForm::Load() {
     Action(QStringLiteral("MnAutomatischesSichern"))
         ->setChecked(ReadInt(kEinst, QStringLiteral("SichernEA")) == 1 && !m_.ExtraBackupPath.isEmpty());
     Action(QStringLiteral("MnLastLogOpen"))->setChecked(ReadInt(kEinst, QStringLiteral("LastLogOpen")) == -1);
-    const bool countdown = ReadInt(kEinst, QStringLiteral("Countdown")) == -1;
+    const bool countdown = ReadCountdown();
     Action(QStringLiteral("MnCountdown"))->setChecked(countdown);
     mnZeitTimer_->setVisible(countdown);
     Timer1Tick();
@@ -198,16 +185,10 @@ void HauptForm::Unload() {
     if (!fileUpToDate_) fileUpToDate_ = RunTrappedUi(dialogs_, [this] { return WriteLogFile(m_); });
     if (timer3_.isActive()) Timer3Tick();
     // Operators: at most the first ten.
-    if (combo6_->count() > 0) {
-        QStringList calls;
-        for (int i = 0; i < combo6_->count() && i < 10; ++i)
-            calls << combo6_->itemText(i);
-        WriteOpCalls(calls);
-    }
+    if (combo6_->count() > 0) StoreOperators(Operators());
     IniWrite({}, kEinst, QStringLiteral("Band"), combo1_->currentIndex());
     IniWrite({}, kEinst, QStringLiteral("Mode"), combo2_->currentIndex());
-    IniWrite({}, kEinst, QStringLiteral("ErwEeingabe"),
-             FlagValue(Action(QStringLiteral("MnEingabe"))->isChecked()));
+    WriteErwEingabe(entryPanel_.checked);
     // Companion windows, in closing order.
     for (const Companion id :
          {Companion::GridKarte, Companion::BZKarte, Companion::Frequenz, Companion::Statistik,
@@ -219,13 +200,9 @@ void HauptForm::Unload() {
     IniWrite({}, kPos, QStringLiteral("HauptFormTop"), PixelsToTwips(pos().y()));
     IniWrite({}, kPos, QStringLiteral("HauptFormLeft"), PixelsToTwips(pos().x()));
     IniWrite({}, kPos, QStringLiteral("HauptFormHeight"), PixelsToTwips(height()));
-    IniWrite({}, kEinst, QStringLiteral("DateTimeLock"),
-             FlagValue(Action(QStringLiteral("MnDateTimeLock"))->isChecked()));
+    WriteDateTimeLock(lock_);
     // On the contest day the submission is offered once more.
-    const QDate today = ContestNow(clock_, m_.ZeitOffset).date();
-    if (today.day() == 1 && today.month() == 5 && grid_.Rows() >= 2 && !OfferedPeriod1 && !OfferedPeriod2 &&
-        logEinsenden)
-        logEinsenden();
+    if (Reminders.OfferAtClosing(ContestNow(clock_, m_.ZeitOffset), grid_.DataRows())) MnLogEinsenden();
     m_.MainWindowLoaded = false;
 }
 

@@ -68,14 +68,8 @@ void HauptForm::BuildMenus() {
     zeitPm->menuAction()->setObjectName(QStringLiteral("MnZeitPM"));
     zpmGroup_ = new QActionGroup(this);
     zpmGroup_->setExclusive(true);
-    for (int i = 0; i < 25; ++i) {
-        const int hours = i - 12;
-        const QString caption = QStringLiteral("%1%2:00h")
-                                    .arg(hours < 0 ? QLatin1Char('-')
-                                         : i == 12 ? QLatin1Char('-')
-                                                   : QLatin1Char('+'))
-                                    .arg(std::abs(hours), 2, 10, QLatin1Char('0'));
-        QAction* a = zeitPm->addAction(caption);
+    for (int i = 0; i < kZpmCount; ++i) {
+        QAction* a = zeitPm->addAction(ZpmCaption(i));
         a->setObjectName(QStringLiteral("zpm%1").arg(i));
         a->setCheckable(true);
         zpmGroup_->addAction(a);
@@ -149,7 +143,9 @@ void HauptForm::BuildMenus() {
     companionEntry(Companion::Transceiver, QStringLiteral("T&ransceiver Steuerung"));
 
     QMenu* einreichen = top(QStringLiteral("MnLogEinreichen"), QStringLiteral("Ein&reichen"));
-    AddItem(einreichen, QStringLiteral("MnLogEinsenden"), QStringLiteral("Aktuelles Log ein&senden"), false);
+    connect(AddItem(einreichen, QStringLiteral("MnLogEinsenden"), QStringLiteral("Aktuelles Log ein&senden"),
+                    false),
+            &QAction::triggered, this, &HauptForm::MnLogEinsenden);
     AddSeparator(einreichen, QStringLiteral("MnSt7"));
     AddItem(einreichen, QStringLiteral("MnLogServerUploadTest"),
             QStringLiteral("Verbindungs&test zum Log-Server"), false);
@@ -264,80 +260,6 @@ void HauptForm::Sortieren(int sortMode) {
     gridView_->setUpdatesEnabled(false);
     grid_.Sort(sortMode);
     gridView_->setUpdatesEnabled(true);
-}
-
-void HauptForm::ZpmClick(int index) {
-    if (index < 0 || index > 24) return;
-    for (QAction* a : zpm_)
-        a->setChecked(false);
-    zpm_[size_t(index)]->setChecked(true);
-    m_.ZeitOffset = index - 12;
-    IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("ZeitPM"), index);
-    Timer1Tick();
-}
-
-void HauptForm::MnDateTimeLock() {
-    if (Action(QStringLiteral("MnDateTimeLock"))->isChecked()) {
-        ApplyDateTimeLock(false);
-    } else {
-        Action(QStringLiteral("MnZeitDatumLock"))->setChecked(false);
-        ApplyDateTimeLock(true);
-    }
-}
-
-void HauptForm::MnZeitDatumLock() {
-    QAction* manual = Action(QStringLiteral("MnZeitDatumLock"));
-    if (manual->isChecked()) {
-        manual->setChecked(false);
-        ApplyDateTimeLock(true); // Timer1 takes over again
-        Timer1Tick();
-    } else {
-        manual->setChecked(true);
-        if (Action(QStringLiteral("MnDateTimeLock"))->isChecked()) MnDateTimeLock();
-        const QString green = QStringLiteral("background-color: #80FF80;");
-        text1_->setStyleSheet(green);
-        text2_->setStyleSheet(green);
-    }
-}
-
-void HauptForm::ApplyDateTimeLock(bool locked) {
-    QAction* lock = Action(QStringLiteral("MnDateTimeLock"));
-    lock->setChecked(locked);
-    lock->setText(locked ? QStringLiteral("&Datum/Zeit gesperrt") : QStringLiteral("&Datum/Zeit editierbar"));
-    text1_->setReadOnly(locked);
-    text2_->setReadOnly(locked);
-    const QString back =
-        locked ? QStringLiteral("background-color: #C0C0C0;") : QStringLiteral("background-color: white;");
-    text1_->setStyleSheet(back);
-    text2_->setStyleSheet(back);
-}
-
-void HauptForm::MnCallVorgabe() {
-    QAction* a = Action(QStringLiteral("MnCallVorgabe"));
-    a->setChecked(!a->isChecked());
-    if (!a->isChecked()) {
-        if (text3_->text() == QLatin1String("OE")) text3_->clear();
-    } else if (text3_->text().isEmpty()) {
-        text3_->setText(QStringLiteral("OE"));
-        text3_->setCursorPosition(2);
-    }
-    IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("CallVorgabe"),
-             FlagValue(a->isChecked()));
-}
-
-void HauptForm::MnEingabe() {
-    QAction* a = Action(QStringLiteral("MnEingabe"));
-    a->setChecked(!a->isChecked());
-    picture4_->setVisible(a->isChecked());
-    text3_->setFocus();
-}
-
-void HauptForm::MnCountdown() {
-    QAction* a = Action(QStringLiteral("MnCountdown"));
-    a->setChecked(!a->isChecked());
-    mnZeitTimer_->setVisible(a->isChecked());
-    IniWrite({}, QString::fromLatin1(kSectionEinstellungen), QStringLiteral("Countdown"),
-             FlagValue(a->isChecked()));
 }
 
 } // namespace kolibrino

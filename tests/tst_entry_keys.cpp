@@ -372,6 +372,22 @@ private slots:
                  QStringLiteral("OE2XX Xaver"));
     }
 
+    void nameMatchesOnlyAtTheStartOfALine() {
+        // "E1ABC" stands inside "OE1ABC;" but starts no line.
+        QVERIFY(!StationName(kCallList, QStringLiteral("E1ABC")));
+        QVERIFY(!StationName(kCallList, QStringLiteral("1ABC")));
+        QVERIFY(!StationName(kCallList, QStringLiteral("DL1AA")));
+        // A later line that starts with the call is still found behind an inner hit.
+        const QString list = QStringLiteral("OE1ABC;Anna\r\nE1ABC;Egon\r\n");
+        QCOMPARE(*StationName(list, QStringLiteral("E1ABC")), QStringLiteral("E1ABC Egon"));
+        QCOMPARE(*StationName(list, QStringLiteral("OE1ABC")), QStringLiteral("OE1ABC Anna"));
+        // Through the call field's change as well.
+        const Model m = WorkedModel();
+        const CallChangeResult r = CallChange(m, QStringLiteral("E1ABC"), 80, QStringLiteral("SSB"),
+                                              QTime(9, 0), kCallList, false, 0);
+        QVERIFY(!r.label10);
+    }
+
     void fewerThanFourCharactersRunNoLookUp() {
         const Model m = WorkedModel();
         const CallChangeResult r =

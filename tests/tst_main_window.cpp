@@ -293,7 +293,7 @@ void TestMainWindow::submissionAtClosing() {
     QVERIFY(f.Start());
     int calls = 0;
     f.window->logEinsenden = [&] { ++calls; };
-    f.window->OfferedPeriod2 = alreadyOffered;
+    f.window->Reminders.OfferedPeriod2 = alreadyOffered;
     f.window->close();
     QCOMPARE(calls, offered ? 1 : 0);
 }

@@ -304,11 +304,11 @@ void TestMainWindowEntry::entryClearsTheReminderFlagsAndStartsTheBackupTimer() {
     WindowFixture f;
     QVERIFY(f.StartEmpty());
     f.window->Timer3().stop();
-    f.window->OfferedPeriod1 = true;
-    f.window->OfferedPeriod2 = true;
+    f.window->Reminders.OfferedPeriod1 = true;
+    f.window->Reminders.OfferedPeriod2 = true;
     f.Type(QStringLiteral("OE3ABC"), 1, QStringLiteral("MD"));
-    QVERIFY(!f.window->OfferedPeriod1);
-    QVERIFY(!f.window->OfferedPeriod2);
+    QVERIFY(!f.window->Reminders.OfferedPeriod1);
+    QVERIFY(!f.window->Reminders.OfferedPeriod2);
     QVERIFY(f.window->Timer3().isActive());
     QVERIFY(f.window->Timer3().isSingleShot());
 }
