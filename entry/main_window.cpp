@@ -110,9 +110,11 @@ bool HauptForm::eventFilter(QObject* watched, QEvent* event) {
         break;
     case QEvent::FocusIn:
     case QEvent::FocusOut: {
-        // Opening a menu or switching to another program is no change of the field.
+        // Opening a menu or switching to another program is no change of the field: the
+        // field keeps its look and its LostFocus does not run.
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason) break;
+        if (reason == Qt::PopupFocusReason) break;
+        if (reason == Qt::ActiveWindowFocusReason && event->type() == QEvent::FocusOut) break;
         if (const std::optional<EntryField> f = FieldOf(watched)) {
             if (event->type() == QEvent::FocusIn)
                 FieldGotFocus(*f);
