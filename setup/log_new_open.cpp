@@ -22,12 +22,6 @@ namespace {
 constexpr int kNarrowWidth = 440;
 constexpr int kWideWidth = 620;
 
-QPushButton* Button(const QString& caption, const QString& name, QWidget* parent) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    return b;
-}
 
 } // namespace
 

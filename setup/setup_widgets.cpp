@@ -5,8 +5,16 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPushButton>
 
 namespace kolibrino::setup {
+
+QPushButton* Button(const QString& caption, const QString& name, QWidget* parent) {
+    auto* b = new QPushButton(caption, parent);
+    b->setObjectName(name);
+    b->setAutoDefault(false);
+    return b;
+}
 
 ClickLabel::ClickLabel(QWidget* parent) : QLabel(parent) {
     setFrameShape(QFrame::Panel);

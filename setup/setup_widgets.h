@@ -1,5 +1,5 @@
-// Small widgets of the log set-up windows: a label that can be clicked, and the key
-// filters of the call and locator fields.
+// Small widgets of the log set-up windows: a button that leaves Enter to its window, a
+// label that can be clicked, and the key filters of the call and locator fields.
 //
 // GUI thread only. Never fails.
 #pragma once
@@ -9,8 +9,12 @@
 #include <functional>
 
 class QLineEdit;
+class QPushButton;
 
 namespace kolibrino::setup {
+
+// A push button with its classic object name that does not take Enter by default.
+QPushButton* Button(const QString& caption, const QString& name, QWidget* parent);
 
 // A label with a frame that reacts to a click of the left button.
 class ClickLabel : public QLabel {

@@ -2,6 +2,7 @@
 
 #include "core/atomic_file.h"
 #include "setup/backup_settings.h"
+#include "setup/setup_widgets.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -20,13 +21,6 @@
 
 namespace kolibrino::setup {
 namespace {
-
-QPushButton* Button(const QString& caption, const QString& name, QWidget* parent) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    return b;
-}
 
 // File systems that hold no user's folders.
 bool IsPseudoFileSystem(const QByteArray& type) {

@@ -22,13 +22,6 @@
 namespace kolibrino::setup {
 namespace {
 
-QPushButton* Button(const QString& caption, const QString& name, QWidget* parent) {
-    auto* b = new QPushButton(caption, parent);
-    b->setObjectName(name);
-    b->setAutoDefault(false);
-    return b;
-}
-
 QLineEdit* Edit(const QString& name, int maxLength, QWidget* parent) {
     auto* e = new QLineEdit(parent);
     e->setObjectName(name);
