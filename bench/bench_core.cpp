@@ -6,78 +6,16 @@
 #include "core/log_file.h"
 #include "core/scripted_dialogs.h"
 #include "core/tallies.h"
+#include "bench_support.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QFile>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
-#include <algorithm>
 #include <cstdio>
-#include <fcntl.h>
-#include <functional>
-#include <unistd.h>
 
 using namespace kolibrino;
 
-namespace {
-
-double MedianMs(int runs, const std::function<void()>& f) {
-    std::vector<double> t;
-    for (int i = 0; i < runs; ++i) {
-        QElapsedTimer c;
-        c.start();
-        f();
-        t.push_back(double(c.nsecsElapsed()) / 1e6);
-    }
-    std::sort(t.begin(), t.end());
-    return t[t.size() / 2];
-}
-
-QString RandomCall(QRandomGenerator& rng) {
-    static const char* prefixes[] = {"OE1", "OE3", "OE5", "OE6", "OE8", "OEY", "DL", "OK1", "S5"};
-    QString c = QString::fromLatin1(prefixes[rng.bounded(9)]);
-    const int n = 2 + int(rng.bounded(2));
-    for (int i = 0; i < n; ++i) c += QChar(u'A' + char16_t(rng.bounded(26)));
-    return c;
-}
-
-void Generate(Model& m, int count) {
-    QRandomGenerator rng(42);
-    m.Header = DefaultHeader(m);
-    m.Header.MYCALL = QStringLiteral("OE3XYZ");
-    m.Header.MYBZ = QStringLiteral("MD");
-    const char* codes[] = {"WI", "MD", "GZ", "ZZ"};
-    for (int i = 0; i < count; ++i) {
-        QsoRecord r;
-        r.Call = RandomCall(rng);
-        r.Band = rng.bounded(2) ? 40 : 80;
-        r.Bezirk = QString::fromLatin1(codes[rng.bounded(4)]);
-        r.Datum = QStringLiteral("01.05.2026");
-        const int secs = (rng.bounded(2) ? 5 * 3600 : 14 * 3600) + int(rng.bounded(3 * 3600));
-        r.Zeit = m.Formats.RecordTime(QTime::fromMSecsSinceStartOfDay(secs * 1000));
-        r.RstGesendet = r.RstEmpfangen = QStringLiteral("59");
-        r.Mode = r.ModeRx = rng.bounded(3) ? QStringLiteral("SSB") : QStringLiteral("CW");
-        r.Operator = QStringLiteral("OE3XYZ");
-        r.BandRx = QStringLiteral("0");
-        r.Frequenz = r.Band == 40 ? 7050.5f : 3650.0f;
-        r.LaufNr = float(i);
-        m.LogRecords.push_back(r);
-    }
-    BuildLogText(m, true, 2026);
-}
-
-double PlainWriteFsyncMs(const QString& path, const QByteArray& bytes) {
-    return MedianMs(7, [&] {
-        const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-        if (fd < 0) return;
-        if (::write(fd, bytes.constData(), size_t(bytes.size())) < 0) std::perror("write");
-        ::fsync(fd);
-        ::close(fd);
-    });
-}
-
-} // namespace
+using namespace kolibrino::bench;
 
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
@@ -94,7 +32,7 @@ int main(int argc, char** argv) {
         m.SetLocale(QLocale(QLocale::German, QLocale::Austria));
         m.LogFolder = dir.path() + QLatin1Char('/');
         m.CurrentLogName = QStringLiteral("bench%1.KOLBO").arg(count);
-        Generate(m, count);
+        FillGeneratedLog(m, count, 42);
         const QByteArray bytes = ToCp1252(m.LogText);
         const QString path = m.LogFolder + m.CurrentLogName;
         WriteFileAtomic(path, bytes);
@@ -114,7 +52,8 @@ int main(int argc, char** argv) {
         });
         targets.clear();
         const double rebuild = MedianMs(runs, [&] { BuildLogText(m, true, 2026); });
-        const double plain = PlainWriteFsyncMs(m.LogFolder + QStringLiteral("plain.bin"), bytes);
+        const QString plainPath = m.LogFolder + QStringLiteral("plain.bin");
+        const double plain = MedianMs(7, [&] { PlainWriteFsync(plainPath, bytes); });
         // The rewrite proper (the bytes as the entry path keeps them), and with the
         // encoding of the whole text on top, as after a correction.
         const double atomic = MedianMs(7, [&] {

@@ -10,84 +10,34 @@
 #include "core/settings.h"
 #include "entry/log_grid_model.h"
 #include "entry/main_window.h"
+#include "bench_support.h"
 
 #include <QApplication>
 #include <QComboBox>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
-#include <algorithm>
 #include <cstdio>
-#include <fcntl.h>
-#include <functional>
-#include <unistd.h>
 
 using namespace kolibrino;
+using namespace kolibrino::bench;
 
 namespace {
 
-double Median(std::vector<double> t) {
-    std::sort(t.begin(), t.end());
-    return t[t.size() / 2];
-}
-
-double ElapsedMs(const std::function<void()>& f) {
-    QElapsedTimer c;
-    c.start();
-    f();
-    return double(c.nsecsElapsed()) / 1e6;
-}
-
-const char* const kCodes[] = {"WI", "MD", "GZ", "ZZ"};
-
 void WriteDistricts(const QString& dataFolder) {
     QFile f(dataFolder + QStringLiteral("bez_koord.txt"));
-    if (!f.open(QIODevice::WriteOnly)) return;
-    f.write("WI;500;200;Wien;1;\r\nMD;480;230;M\xf6"
-            "dling;3;\r\nGZ;420;420;Graz;6;\r\nZZ;10;10;Testbezirk;9;\r\n");
+    if (f.open(QIODevice::WriteOnly)) f.write(BenchDistrictTable());
 }
 
 // A log of count contacts with random calls, bands, modes and times in both periods.
 void WriteLog(Model& base, const QString& name, int count) {
-    QRandomGenerator rng(7);
     Model m;
     m.SetLocale(base.Formats.Locale());
     m.LogFolder = base.LogFolder;
     m.CurrentLogName = name;
-    m.Header = DefaultHeader(m);
-    m.Header.MYCALL = QStringLiteral("OE3XYZ");
-    m.Header.MYBZ = QStringLiteral("MD");
-    m.Header.MYOPCALL = QStringLiteral("OE3XYZ");
-    m.LogRecords.reserve(size_t(count));
-    for (int i = 0; i < count; ++i) {
-        QsoRecord r;
-        r.Call = QStringLiteral("OE%1%2").arg(1 + rng.bounded(9)).arg(i, 5, 36, QLatin1Char('A')).toUpper();
-        r.Band = rng.bounded(2) ? 40 : 80;
-        r.Bezirk = QString::fromLatin1(kCodes[rng.bounded(4)]);
-        r.Datum = QStringLiteral("01.05.2026");
-        const int secs = (rng.bounded(2) ? 5 * 3600 : 14 * 3600) + int(rng.bounded(3 * 3600));
-        r.Zeit = m.Formats.RecordTime(QTime::fromMSecsSinceStartOfDay(secs * 1000));
-        r.RstGesendet = r.RstEmpfangen = QStringLiteral("59");
-        r.Mode = r.ModeRx = rng.bounded(3) ? QStringLiteral("SSB") : QStringLiteral("CW");
-        r.Status = rng.bounded(50) == 0 ? Status::Dupe : Status::Normal;
-        r.Operator = QStringLiteral("OE3XYZ");
-        r.BandRx = QStringLiteral("0");
-        r.Frequenz = r.Band == 40 ? 7000 : 3500;
-        r.LaufNr = float(i);
-        m.LogRecords.push_back(r);
-    }
-    BuildLogText(m, true, 2026);
+    FillGeneratedLog(m, count);
     WriteLogFile(m);
-}
-
-void PlainWrite(const QString& path, const QByteArray& bytes) {
-    const int fd = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (fd < 0) return;
-    if (::write(fd, bytes.constData(), size_t(bytes.size())) != bytes.size()) std::perror("write");
-    ::fsync(fd);
-    ::close(fd);
 }
 
 struct Session {
@@ -117,13 +67,13 @@ void EnterBench(Model& base, int count) {
         call->setText(QStringLiteral("OE9N%1")
                           .arg(i, 3, 10, QLatin1Char('0'))
                           .replace(QLatin1Char('0'), QLatin1Char('A')));
-        bezirk->setEditText(QString::fromLatin1(kCodes[i % 4]));
+        bezirk->setEditText(QString::fromLatin1(kBenchDistricts[i % 4]));
         const size_t before = s.model.LogRecords.size();
         enter.push_back(ElapsedMs([&] { s.window->Uebernehmen(); }));
         if (s.model.LogRecords.size() != before + 1) std::printf("  (entry %d was not logged)\n", i);
         s.window->Timer3().stop();
         const QByteArray bytes = ToCp1252(s.model.LogText);
-        plain.push_back(ElapsedMs([&] { PlainWrite(plainPath, bytes); }));
+        plain.push_back(ElapsedMs([&] { PlainWriteFsync(plainPath, bytes); }));
     }
     std::vector<double> encode, atomic;
     for (int i = 0; i < 21; ++i) {
@@ -207,7 +157,7 @@ void Screenshot(Model& base, const QString& path, int width, int height) {
         band->setCurrentIndex(i < 12 ? 1 : 0);
         mode->setCurrentIndex(i % 5 == 3 ? 1 : 0);
         call->setText(QString::fromLatin1(calls[i]));
-        bezirk->setEditText(QString::fromLatin1(kCodes[rng.bounded(4)]));
+        bezirk->setEditText(QString::fromLatin1(kBenchDistricts[rng.bounded(4)]));
         if (i == 7) note->setText(QStringLiteral("Notstrom"));
         if (i == 16) { // the same station again: logged as a dupe
             s.dialogs.AnswerMsgBox(Msg::Yes);
