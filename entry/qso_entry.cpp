@@ -169,17 +169,15 @@ EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const Entr
     res.recordIndex = m.LogRecords.size() - 1;
     AppendIndexEntry(m.CallIndex, rec.Call, qsizetype(res.recordIndex));
     const QString line = ContactLine(rec);
-    const bool reuse = fileBytes && fileBytes->textData == m.LogText.constData() &&
-                       fileBytes->textSize == m.LogText.size() && m.LogText.endsWith(fileBytes->lastLine);
+    const bool reuse = fileBytes && !fileBytes->text.isNull() && fileBytes->text.isSharedWith(m.LogText);
+    if (fileBytes) fileBytes->text = QString(); // let the append below grow the text in place
     m.LogText += line;
     if (fileBytes) {
         if (reuse)
             fileBytes->bytes += ToCp1252(line);
         else
             fileBytes->bytes = ToCp1252(m.LogText);
-        fileBytes->textData = m.LogText.constData();
-        fileBytes->textSize = m.LogText.size();
-        fileBytes->lastLine = line;
+        fileBytes->text = m.LogText;
         res.fileWritten = RunTrapped(dialogs, [&m, fileBytes] {
             if (m.CurrentLogName.isEmpty()) return WriteLogFile(m); // its "no log" message
             return WriteFileAtomic(CurrentLogPath(m), fileBytes->bytes);

@@ -79,13 +79,11 @@ struct CompanionCalls {
 };
 
 // The log text as file bytes, kept beside LogText by whoever logs the entries, so that
-// an entry encodes only its own line and not the whole log. It is used only while
-// LogText is the very text it was made from (same buffer, same length, same last
-// line); any other change of LogText makes the next entry encode it whole.
+// an entry encodes only its own line and not the whole log. The cache shares the very
+// text it was made from; any change of LogText elsewhere (a rebuild, an edit in place)
+// leaves it unshared, and the next entry encodes the text whole.
 struct LogFileBytes {
-    const QChar* textData = nullptr;
-    qsizetype textSize = -1;
-    QString lastLine;
+    QString text;
     QByteArray bytes;
 };
 

@@ -413,6 +413,15 @@ void TestQsoEntry::encodedBytesFollowEveryChangeOfTheLogText() {
     TakeEntry(b.m(), b.dialogs, b.grid, f, {}, &cache);
     QCOMPARE(ReadBytes(CurrentLogPath(b.m())), ToCp1252(b.m().LogText));
     take("OE9MNO");
+    // An edit in place keeps buffer, length and last line: still the whole text is encoded.
+    b.m().LogText[12] = QLatin1Char('Z');
+    take("OE2PQR");
+    // Two rebuilds of equal length between two entries.
+    b.m().Header.MYPWR = 1;
+    BuildLogText(b.m(), false, 2026);
+    b.m().Header.MYPWR = 2;
+    BuildLogText(b.m(), false, 2026);
+    take("OE4STU");
 }
 
 QTEST_MAIN(TestQsoEntry)
