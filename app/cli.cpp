@@ -46,17 +46,25 @@ QString TalliesText(const Model& m) {
     s += QStringLiteral("DupeCount %1\n").arg(m.DupeCount);
     s += QStringLiteral("# Zähler je Band: 40m 80m 30m\n");
     const char* modes[2] = {"SSB", "CW"};
-    for (int i = 0; i < 2; ++i) s += QStringLiteral("ModeBandCount %1 %2\n").arg(QLatin1String(modes[i]), Row(m.ModeBandCount[i]));
+    for (int i = 0; i < 2; ++i)
+        s += QStringLiteral("ModeBandCount %1 %2\n").arg(QLatin1String(modes[i]), Row(m.ModeBandCount[i]));
     const char* periods[4] = {"SSB-Vormittag", "SSB-Nachmittag", "CW-Vormittag", "CW-Nachmittag"};
     for (int i = 0; i < 4; ++i)
-        s += QStringLiteral("PeriodBandCount %1 %2\n").arg(QLatin1String(periods[i]), Row(m.PeriodBandCount[i]));
-    for (int g = 0; g < 9; ++g) s += QStringLiteral("GruppeBandCount %1 %2\n").arg(g + 1).arg(Row(m.GruppeBandCount[g]));
+        s += QStringLiteral("PeriodBandCount %1 %2\n")
+                 .arg(QLatin1String(periods[i]), Row(m.PeriodBandCount[i]));
+    for (int g = 0; g < 9; ++g)
+        s += QStringLiteral("GruppeBandCount %1 %2\n").arg(g + 1).arg(Row(m.GruppeBandCount[g]));
     for (const StaatsfunkRecord& st : m.StaatsfunkRecords)
         s += QStringLiteral("Staatsfunk %1 %2 %3\n").arg(st.Prefix).arg(st.Anz80).arg(st.Anz30);
     for (size_t i = 1; i < m.BezirkRecords.size(); ++i) {
         const BezirkRecord& b = m.BezirkRecords[i];
         if (b.AnzGesamt == 0) continue;
-        s += QStringLiteral("Bezirk %1 %2 %3 %4 %5\n").arg(b.Code).arg(b.AnzGesamt).arg(b.Anz40).arg(b.Anz80).arg(b.Anz30);
+        s += QStringLiteral("Bezirk %1 %2 %3 %4 %5\n")
+                 .arg(b.Code)
+                 .arg(b.AnzGesamt)
+                 .arg(b.Anz40)
+                 .arg(b.Anz80)
+                 .arg(b.Anz30);
     }
     return s;
 }
@@ -99,7 +107,10 @@ int main(int argc, char** argv) {
             return 2;
         }
         const DupeVerdict v = CallExistTest(m, call, band, args[4].trimmed().toUpper(), *time);
-        Out(QStringLiteral("%1 %2\n").arg(v.isDupe ? QStringLiteral("DUPE") : QStringLiteral("OK"), v.bezirk).trimmed() + QLatin1Char('\n'));
+        Out(QStringLiteral("%1 %2\n")
+                .arg(v.isDupe ? QStringLiteral("DUPE") : QStringLiteral("OK"), v.bezirk)
+                .trimmed() +
+            QLatin1Char('\n'));
         if (v.isDupe) Out(DupeWarningText(m, *v.dupeTime) + QLatin1Char('\n'));
         return 0;
     }

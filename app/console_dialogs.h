@@ -11,7 +11,9 @@ namespace kolibrino {
 class ConsoleDialogs final : public Dialogs {
 public:
     int MsgBox(const QString& text, int flags, const QString& title) override;
-    std::optional<QString> InputBox(const QString&, const QString&, const QString&) override { return std::nullopt; }
+    std::optional<QString> InputBox(const QString&, const QString&, const QString&) override {
+        return std::nullopt;
+    }
     QString OpenDialog(const QString&, const QString&, const QString&) override { return {}; }
     QString SaveDialog(const QString&, const QString&, const QString&) override { return {}; }
     QString BrowseFolder(const QString&, const QString&) override { return {}; }

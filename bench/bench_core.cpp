@@ -1,12 +1,12 @@
 // Figures for the log core: load, rebuild, rewrite and dupe look-up on generated logs
 // of 1,000, 10,000 and 100,000 contacts. Prints medians; judges nothing.
+#include "bench_support.h"
 #include "core/atomic_file.h"
 #include "core/call_index.h"
 #include "core/cp1252.h"
 #include "core/log_file.h"
 #include "core/scripted_dialogs.h"
 #include "core/tallies.h"
-#include "bench_support.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -25,8 +25,8 @@ int main(int argc, char** argv) {
         dir.setAutoRemove(false);
         std::printf("Logs in %s\n", qPrintable(dir.path()));
     }
-    std::printf("%-8s %10s %10s %6s %10s %10s %10s %6s %10s %12s %12s\n", "QSOs", "read+dec", "load", "ratio", "rebuild",
-                "write+fs", "atomic", "ratio", "enc+atomic", "dupe-miss", "dupe-hit");
+    std::printf("%-8s %10s %10s %6s %10s %10s %10s %6s %10s %12s %12s\n", "QSOs", "read+dec", "load", "ratio",
+                "rebuild", "write+fs", "atomic", "ratio", "enc+atomic", "dupe-miss", "dupe-hit");
     for (const int count : {1000, 10000, 100000}) {
         Model m;
         m.SetLocale(QLocale(QLocale::German, QLocale::Austria));
@@ -45,7 +45,8 @@ int main(int argc, char** argv) {
         });
         ScriptedDialogs d;
         // The models are made and destroyed outside the timing: only the load counts.
-        std::vector<Model> targets; targets.resize(size_t(runs));
+        std::vector<Model> targets;
+        targets.resize(size_t(runs));
         size_t next = 0;
         const double load = MedianMs(runs, [&] {
             if (!LoadLog(targets[next++], d, path)) std::abort();
@@ -68,13 +69,14 @@ int main(int argc, char** argv) {
         const double miss = MedianMs(201, [&] {
             sink = CallExistTest(m, QStringLiteral("OE9ZZZZ"), 40, QStringLiteral("SSB"), QTime(6, 0)).isDupe;
         });
-        const double hit = MedianMs(201, [&] {
-            sink = CallExistTest(m, worked, 40, QStringLiteral("SSB"), QTime(6, 0)).found;
-        });
+        const double hit = MedianMs(
+            201, [&] { sink = CallExistTest(m, worked, 40, QStringLiteral("SSB"), QTime(6, 0)).found; });
         (void)sink;
-        std::printf("%-8d %8.2fms %8.2fms %5.2fx %8.2fms %8.2fms %8.2fms %5.2fx %8.2fms %10.4fms %10.4fms\n", count,
-                    readDecode, load, load / readDecode, rebuild, plain, atomic, atomic / plain, encodeWrite, miss, hit);
+        std::printf("%-8d %8.2fms %8.2fms %5.2fx %8.2fms %8.2fms %8.2fms %5.2fx %8.2fms %10.4fms %10.4fms\n",
+                    count, readDecode, load, load / readDecode, rebuild, plain, atomic, atomic / plain,
+                    encodeWrite, miss, hit);
     }
-    std::printf("Ziele: Laden (100.000) <= 3x Lesen+Dekodieren; Schreiben <= 1,5x write+fsync; Dupe-Suche < 1 ms\n");
+    std::printf(
+        "Ziele: Laden (100.000) <= 3x Lesen+Dekodieren; Schreiben <= 1,5x write+fsync; Dupe-Suche < 1 ms\n");
     return 0;
 }

@@ -2,6 +2,7 @@
 // plain write and fsync of the same bytes; the refill of the grid; the start to a
 // usable window. Generated logs in a temporary data folder. Prints medians; judges
 // nothing. Run it with QT_QPA_PLATFORM=offscreen where there is no display.
+#include "bench_support.h"
 #include "core/clock.h"
 #include "core/cp1252.h"
 #include "core/log_file.h"
@@ -10,7 +11,6 @@
 #include "core/settings.h"
 #include "entry/log_grid_model.h"
 #include "entry/main_window.h"
-#include "bench_support.h"
 
 #include <QApplication>
 #include <QComboBox>

@@ -31,7 +31,8 @@ inline double ElapsedMs(const std::function<void()>& f) {
 
 inline double MedianMs(int runs, const std::function<void()>& f) {
     std::vector<double> t;
-    for (int i = 0; i < runs; ++i) t.push_back(ElapsedMs(f));
+    for (int i = 0; i < runs; ++i)
+        t.push_back(ElapsedMs(f));
     return Median(std::move(t));
 }
 

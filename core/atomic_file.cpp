@@ -12,18 +12,25 @@ namespace kolibrino {
 namespace {
 
 QString SysError(const QString& what, const QString& path, int err) {
-    return QStringLiteral("%1 %2: %3").arg(what, QDir::toNativeSeparators(path), QString::fromLocal8Bit(std::strerror(err)));
+    return QStringLiteral("%1 %2: %3")
+        .arg(what, QDir::toNativeSeparators(path), QString::fromLocal8Bit(std::strerror(err)));
 }
 
 // Owns a POSIX file descriptor.
 class Fd {
 public:
     explicit Fd(int fd) : fd_(fd) {}
-    ~Fd() { if (fd_ >= 0) ::close(fd_); }
+    ~Fd() {
+        if (fd_ >= 0) ::close(fd_);
+    }
     Fd(const Fd&) = delete;
     Fd& operator=(const Fd&) = delete;
     int get() const { return fd_; }
-    int release() { const int f = fd_; fd_ = -1; return f; }
+    int release() {
+        const int f = fd_;
+        fd_ = -1;
+        return f;
+    }
 
 private:
     int fd_;
@@ -34,11 +41,13 @@ private:
 QString WriteFileAtomic(const QString& path, const QByteArray& bytes) {
     const QFileInfo info(path);
     const QString dir = info.absolutePath();
-    const QByteArray tmp = QFile::encodeName(dir + QStringLiteral("/.") + info.fileName() + QStringLiteral(".tmp"));
+    const QByteArray tmp =
+        QFile::encodeName(dir + QStringLiteral("/.") + info.fileName() + QStringLiteral(".tmp"));
     const QByteArray target = QFile::encodeName(info.absoluteFilePath());
     {
         Fd fd(::open(tmp.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
-        if (fd.get() < 0) return SysError(QStringLiteral("Datei kann nicht geschrieben werden:"), path, errno);
+        if (fd.get() < 0)
+            return SysError(QStringLiteral("Datei kann nicht geschrieben werden:"), path, errno);
         const char* p = bytes.constData();
         qsizetype left = bytes.size();
         while (left > 0) {
@@ -77,7 +86,9 @@ QByteArray ReadWholeFile(const QString& path, bool* ok, QString* error) {
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly)) {
         if (ok) *ok = false;
-        if (error) *error = QStringLiteral("Datei kann nicht gelesen werden: %1 (%2)").arg(QDir::toNativeSeparators(path), f.errorString());
+        if (error)
+            *error = QStringLiteral("Datei kann nicht gelesen werden: %1 (%2)")
+                         .arg(QDir::toNativeSeparators(path), f.errorString());
         return {};
     }
     QByteArray data = f.readAll();

@@ -17,8 +17,8 @@ double DriveFreeBytes(const QString& path) {
     return double(st.f_bavail) * double(st.f_frsize);
 }
 
-void BackupFile(Dialogs& dialogs, const QString& source, const QString& target, const QString& extraBackupPath,
-                const FreeSpaceProbe& freeSpace) {
+void BackupFile(Dialogs& dialogs, const QString& source, const QString& target,
+                const QString& extraBackupPath, const FreeSpaceProbe& freeSpace) {
     const double free = freeSpace(target);
     if (free < 0) {
         dialogs.MsgBox(QStringLiteral("Fehler... Sicherungs-Laufwerk nicht bereit!"));
@@ -33,7 +33,8 @@ void BackupFile(Dialogs& dialogs, const QString& source, const QString& target, 
     }
     // The operator's folder must still be there; with none set, the regular backup goes on.
     if (!extraBackupPath.isEmpty() && !FolderExists(extraBackupPath)) {
-        dialogs.MsgBox(QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"), Msg::Information);
+        dialogs.MsgBox(QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"),
+                       Msg::Information);
         return;
     }
     const QString alt = target + QStringLiteral(".ALT");

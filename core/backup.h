@@ -21,7 +21,7 @@ using FreeSpaceProbe = std::function<double(const QString&)>;
 
 // Copies source to target. extraBackupPath is the operator's backup folder from the
 // settings (it must exist when it is set).
-void BackupFile(Dialogs& dialogs, const QString& source, const QString& target, const QString& extraBackupPath,
-                const FreeSpaceProbe& freeSpace = DriveFreeBytes);
+void BackupFile(Dialogs& dialogs, const QString& source, const QString& target,
+                const QString& extraBackupPath, const FreeSpaceProbe& freeSpace = DriveFreeBytes);
 
 } // namespace kolibrino

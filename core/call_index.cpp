@@ -47,10 +47,12 @@ bool CallInIndex(const QString& callIndex, const QString& call) {
 }
 
 QString DupeWarningText(const Model& m, const QTime& recordTime) {
-    return QStringLiteral("Station bereits um ") + m.Formats.ShortTime(recordTime) + QStringLiteral(" Uhr gearbeitet!");
+    return QStringLiteral("Station bereits um ") + m.Formats.ShortTime(recordTime) +
+           QStringLiteral(" Uhr gearbeitet!");
 }
 
-DupeVerdict CallExistTest(const Model& m, const QString& call, int band, const QString& mode, const QTime& entryTime) {
+DupeVerdict CallExistTest(const Model& m, const QString& call, int band, const QString& mode,
+                          const QTime& entryTime) {
     DupeVerdict v;
     const QString key = IndexKey(call);
     const bool entryPm = !(entryTime < m.MittagsGrenze);

@@ -32,9 +32,15 @@ enum Flags : int {
     DefaultButton3 = 512,
 };
 enum Result : int { Ok = 1, Cancel = 2, Abort = 3, Retry = 4, Ignore = 5, Yes = 6, No = 7 };
-inline int Buttons(int flags) { return flags & 7; }
-inline int Icon(int flags) { return flags & 0x70; }
-inline int DefaultButton(int flags) { return (flags >> 8) & 3; } // 0 first, 1 second, 2 third
+inline int Buttons(int flags) {
+    return flags & 7;
+}
+inline int Icon(int flags) {
+    return flags & 0x70;
+}
+inline int DefaultButton(int flags) {
+    return (flags >> 8) & 3;
+} // 0 first, 1 second, 2 third
 } // namespace Msg
 
 class Dialogs {

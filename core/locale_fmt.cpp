@@ -23,14 +23,22 @@ LocaleFormats::LocaleFormats(const QLocale& locale) : locale_(locale) {
     longTimeFmt_ = shortTimeFmt_;
     if (!longTimeFmt_.contains(QLatin1Char('s'))) {
         const qsizetype m = longTimeFmt_.lastIndexOf(QStringLiteral("mm"));
-        if (m >= 0) longTimeFmt_.insert(m + 2, QString(timeSep_) + QStringLiteral("ss"));
-        else longTimeFmt_ = QStringLiteral("HH%1mm%1ss").arg(timeSep_);
+        if (m >= 0)
+            longTimeFmt_.insert(m + 2, QString(timeSep_) + QStringLiteral("ss"));
+        else
+            longTimeFmt_ = QStringLiteral("HH%1mm%1ss").arg(timeSep_);
     }
 }
 
-QString LocaleFormats::ShortDate(const QDate& d) const { return locale_.toString(d, shortDateFmt_); }
-QString LocaleFormats::ShortTime(const QTime& t) const { return locale_.toString(t, shortTimeFmt_); }
-QString LocaleFormats::LongTime(const QTime& t) const { return locale_.toString(t, longTimeFmt_); }
+QString LocaleFormats::ShortDate(const QDate& d) const {
+    return locale_.toString(d, shortDateFmt_);
+}
+QString LocaleFormats::ShortTime(const QTime& t) const {
+    return locale_.toString(t, shortTimeFmt_);
+}
+QString LocaleFormats::LongTime(const QTime& t) const {
+    return locale_.toString(t, longTimeFmt_);
+}
 
 namespace {
 
@@ -41,7 +49,8 @@ QString TwoDigits(int v) {
 } // namespace
 
 QString LocaleFormats::RecordDate(const QDate& d) const {
-    return TwoDigits(d.day()) + dateSep_ + TwoDigits(d.month()) + dateSep_ + QStringLiteral("%1").arg(d.year(), 4, 10, QLatin1Char('0'));
+    return TwoDigits(d.day()) + dateSep_ + TwoDigits(d.month()) + dateSep_ +
+           QStringLiteral("%1").arg(d.year(), 4, 10, QLatin1Char('0'));
 }
 
 QString LocaleFormats::RecordTime(const QTime& t) const {

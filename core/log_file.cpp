@@ -66,8 +66,12 @@ bool ReadTag(const QString& text, const TagDef& def, LogHeader& h) {
     const qsizetype take = n > double(text.size()) ? text.size() : qsizetype(n);
     const QString value = text.mid(close + 1, take);
     switch (def.kind) {
-    case TagKind::Text: h.*def.text = value; break;
-    case TagKind::Fixed2: h.*def.text = Fixed2(value); break;
+    case TagKind::Text:
+        h.*def.text = value;
+        break;
+    case TagKind::Fixed2:
+        h.*def.text = Fixed2(value);
+        break;
     case TagKind::Number: {
         const auto v = NumericValue(value);
         if (!v) return false;
@@ -198,7 +202,8 @@ bool ParseLog(Model& m, const QByteArray& bytes, QString* error) {
     for (const int i : kLoadOrder) {
         if (!ReadTag(text, kTags[i], m.Header)) {
             ResetLog(m);
-            if (error) *error = QStringLiteral("Kopfzeile %1 ist fehlerhaft").arg(QString::fromLatin1(kTags[i].tag));
+            if (error)
+                *error = QStringLiteral("Kopfzeile %1 ist fehlerhaft").arg(QString::fromLatin1(kTags[i].tag));
             return false;
         }
     }
@@ -210,8 +215,10 @@ bool ParseLog(Model& m, const QByteArray& bytes, QString* error) {
     }
     // The contact block, trimmed of blanks at both ends.
     QStringView block = QStringView(text).mid(end + kEndHead.size());
-    while (!block.isEmpty() && block.front() == u' ') block = block.mid(1);
-    while (!block.isEmpty() && block.back() == u' ') block.chop(1);
+    while (!block.isEmpty() && block.front() == u' ')
+        block = block.mid(1);
+    while (!block.isEmpty() && block.back() == u' ')
+        block.chop(1);
     if (block.size() >= 15) {
         m.LogRecords.reserve(size_t(block.size() / 60));
         ParseContacts(m, block);
@@ -231,14 +238,17 @@ int LoadLog(Model& m, Dialogs& dialogs, const QString& path) {
 }
 
 QString IdentificationLine(int year) {
-    return QStringLiteral("CREATED-BY %1 v%2, \u00A9%3 by ZZ9QQQ\r\n").arg(ProgramTitle(), ProgramVersionText()).arg(year, 4, 10, QLatin1Char('0'));
+    return QStringLiteral("CREATED-BY %1 v%2, \u00A9%3 by ZZ9QQQ\r\n")
+        .arg(ProgramTitle(), ProgramVersionText())
+        .arg(year, 4, 10, QLatin1Char('0'));
 }
 
 QString HeaderText(const LogHeader& h) {
     QString out;
     for (const TagDef& def : kTags) {
         const QString value = def.text ? h.*def.text : QString::number(h.*def.number);
-        out += QString::fromLatin1(def.tag) + QString::number(value.size()) + QLatin1Char(']') + value + kLineEnd;
+        out += QString::fromLatin1(def.tag) + QString::number(value.size()) + QLatin1Char(']') + value +
+               kLineEnd;
     }
     out += kEndHead;
     return out;
@@ -248,25 +258,44 @@ QString ContactLine(const QsoRecord& r) {
     const QChar p = kPilcrow;
     QString s;
     s.reserve(96 + r.Bemerkung.size());
-    s += r.Call; s += p;
-    s += QString::number(r.Band); s += p;
-    s += r.Bezirk; s += p;
-    s += r.Datum; s += p;
-    s += r.Zeit; s += p;
-    s += r.RstGesendet; s += p;
-    s += r.RstEmpfangen; s += p;
-    s += QString::number(r.Qsl); s += p;
-    s += r.Mode; s += p;
-    s += r.ModeRx; s += p;
-    s += QString::number(r.Status); s += p;
-    s += r.Operator; s += p;
-    s += r.Bemerkung; s += p;
-    s += r.BandRx; s += p;
-    s += FloatText(r.Frequenz); s += p;
-    s += FloatText(r.FrequenzRx); s += p;
-    s += r.Reserve1; s += p;
-    s += r.Reserve2; s += p;
-    s += r.Reserve3; s += p;
+    s += r.Call;
+    s += p;
+    s += QString::number(r.Band);
+    s += p;
+    s += r.Bezirk;
+    s += p;
+    s += r.Datum;
+    s += p;
+    s += r.Zeit;
+    s += p;
+    s += r.RstGesendet;
+    s += p;
+    s += r.RstEmpfangen;
+    s += p;
+    s += QString::number(r.Qsl);
+    s += p;
+    s += r.Mode;
+    s += p;
+    s += r.ModeRx;
+    s += p;
+    s += QString::number(r.Status);
+    s += p;
+    s += r.Operator;
+    s += p;
+    s += r.Bemerkung;
+    s += p;
+    s += r.BandRx;
+    s += p;
+    s += FloatText(r.Frequenz);
+    s += p;
+    s += FloatText(r.FrequenzRx);
+    s += p;
+    s += r.Reserve1;
+    s += p;
+    s += r.Reserve2;
+    s += p;
+    s += r.Reserve3;
+    s += p;
     s += kLineEnd;
     return s;
 }
@@ -314,8 +343,10 @@ void UpdateCounters(Model& m, int band, const QString& mode, const QTime& time, 
 }
 
 void UpdateCounters(Model& m, int band, const QString& mode, const QTime& time, const QString& doAdd) {
-    if (doAdd == QLatin1String("True")) UpdateCounters(m, band, mode, time, true);
-    else if (doAdd == QLatin1String("False")) UpdateCounters(m, band, mode, time, false);
+    if (doAdd == QLatin1String("True"))
+        UpdateCounters(m, band, mode, time, true);
+    else if (doAdd == QLatin1String("False"))
+        UpdateCounters(m, band, mode, time, false);
 }
 
 void RaiseGruppeBandCount(Model& m, int gruppe, int band) {
@@ -345,9 +376,11 @@ namespace {
 QString ParseBezirkLine(const QString& line, BezirkRecord& rec, bool* stop) {
     *stop = false;
     const qsizetype s1 = line.indexOf(QLatin1Char(';'), 3);
-    if (s1 < 0) return QStringLiteral("Ungültiger Prozeduraufruf oder ungültiges Argument (Zeile \"%1\")").arg(line);
+    if (s1 < 0)
+        return QStringLiteral("Ungültiger Prozeduraufruf oder ungültiges Argument (Zeile \"%1\")").arg(line);
     const qsizetype s2 = line.indexOf(QLatin1Char(';'), s1 + 1);
-    if (s2 < 0) return QStringLiteral("Ungültiger Prozeduraufruf oder ungültiges Argument (Zeile \"%1\")").arg(line);
+    if (s2 < 0)
+        return QStringLiteral("Ungültiger Prozeduraufruf oder ungültiges Argument (Zeile \"%1\")").arg(line);
     const auto x = NumericValue(QStringView(line).mid(3, s1 - 3));
     const auto y = NumericValue(QStringView(line).mid(s1 + 1, s2 - s1 - 1));
     if (!x || !y) return QStringLiteral("Typen unverträglich (Zeile \"%1\")").arg(line);
@@ -360,7 +393,8 @@ QString ParseBezirkLine(const QString& line, BezirkRecord& rec, bool* stop) {
     }
     rec.Name = line.mid(s2 + 1, s3 - s2 - 1);
     const qsizetype s4 = line.indexOf(QLatin1Char(';'), s3 + 1);
-    if (s4 < 0) return QStringLiteral("Ungültiger Prozeduraufruf oder ungültiges Argument (Zeile \"%1\")").arg(line);
+    if (s4 < 0)
+        return QStringLiteral("Ungültiger Prozeduraufruf oder ungültiges Argument (Zeile \"%1\")").arg(line);
     const auto g = NumericValue(QStringView(line).mid(s3 + 1, s4 - s3 - 1));
     if (!g) return QStringLiteral("Typen unverträglich (Zeile \"%1\")").arg(line);
     rec.Gruppe = ToInt16(*g);
@@ -415,7 +449,8 @@ int LoadBezirkTable(Model& m, Dialogs& dialogs, const QString& path) {
             if (!done || stop || line.size() < 6) break;
         }
     }
-    while (m.BezirkIndex.endsWith(QLatin1Char(' '))) m.BezirkIndex.chop(1);
+    while (m.BezirkIndex.endsWith(QLatin1Char(' ')))
+        m.BezirkIndex.chop(1);
     return m.BezirkRecords.empty() ? 0 : int(m.BezirkRecords.size()) - 1;
 }
 

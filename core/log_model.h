@@ -163,7 +163,7 @@ LogHeader DefaultHeader(const Model& m);
 
 // Program title and version as the log file and the settings write them.
 QString ProgramTitle();
-QString ProgramVersionText();  // "1.0.0"
-int ProgramVersionNumber();    // major 2 digits, minor 2 digits, revision 3 digits
+QString ProgramVersionText(); // "1.0.0"
+int ProgramVersionNumber();   // major 2 digits, minor 2 digits, revision 3 digits
 
 } // namespace kolibrino

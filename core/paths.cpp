@@ -50,7 +50,8 @@ bool SetupFolders(Model& m, QString* error) {
 }
 
 QString ShippedDataFolder(const Model& m) {
-    QStringList candidates = {m.AppFolder + QStringLiteral("data/"), m.AppFolder + QStringLiteral("../share/kolibrino/")};
+    QStringList candidates = {m.AppFolder + QStringLiteral("data/"),
+                              m.AppFolder + QStringLiteral("../share/kolibrino/")};
 #ifdef KOLIBRINO_SOURCE_DATA_DIR
     candidates << WithSlash(QStringLiteral(KOLIBRINO_SOURCE_DATA_DIR));
 #endif

@@ -12,12 +12,9 @@ QStringList ParseDialogFilter(const QString& filter) {
 
 int DefaultAnswer(int flags) {
     static const int table[6][3] = {
-        {Msg::Ok, Msg::Ok, Msg::Ok},
-        {Msg::Ok, Msg::Cancel, Msg::Cancel},
-        {Msg::Abort, Msg::Retry, Msg::Ignore},
-        {Msg::Yes, Msg::No, Msg::Cancel},
-        {Msg::Yes, Msg::No, Msg::No},
-        {Msg::Retry, Msg::Cancel, Msg::Cancel},
+        {Msg::Ok, Msg::Ok, Msg::Ok},           {Msg::Ok, Msg::Cancel, Msg::Cancel},
+        {Msg::Abort, Msg::Retry, Msg::Ignore}, {Msg::Yes, Msg::No, Msg::Cancel},
+        {Msg::Yes, Msg::No, Msg::No},          {Msg::Retry, Msg::Cancel, Msg::Cancel},
     };
     const int b = Msg::Buttons(flags);
     if (b > 5) return Msg::Ok;

@@ -2,8 +2,8 @@
 // and everything shown is recorded.
 //
 // Window thread (or the test's thread) only. With the script empty, a message box
-// answers with its default button (a Retry/Cancel box with Cancel), an input box and the file dialogs cancel, and the
-// colour dialog answers -1; nothing blocks.
+// answers with its default button (a Retry/Cancel box with Cancel), an input box and the file dialogs cancel,
+// and the colour dialog answers -1; nothing blocks.
 #pragma once
 
 #include "core/dialogs.h"
@@ -38,10 +38,15 @@ public:
     int maxBusyDepth = 0;
 
     const ShownBox* LastBox() const { return boxes.isEmpty() ? nullptr : &boxes.last(); }
-    void Clear() { boxes.clear(); prompts.clear(); beeps = 0; }
+    void Clear() {
+        boxes.clear();
+        prompts.clear();
+        beeps = 0;
+    }
 
     int MsgBox(const QString& text, int flags, const QString& title) override;
-    std::optional<QString> InputBox(const QString& prompt, const QString& title, const QString& defaultText) override;
+    std::optional<QString> InputBox(const QString& prompt, const QString& title,
+                                    const QString& defaultText) override;
     QString OpenDialog(const QString& filter, const QString& title, const QString& startFolder) override;
     QString SaveDialog(const QString& filter, const QString& title, const QString& startFolder) override;
     QString BrowseFolder(const QString& title, const QString& startFolder) override;

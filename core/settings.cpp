@@ -41,7 +41,8 @@ Profile ReadProfile(const QString& path) {
 
 void WriteProfile(const QString& path, const QStringList& lines) {
     QString text;
-    for (const QString& l : lines) text += l + QStringLiteral("\r\n");
+    for (const QString& l : lines)
+        text += l + QStringLiteral("\r\n");
     WriteFileAtomic(path, ToCp1252(text)); // failures are not reported, as ever
 }
 
@@ -64,7 +65,8 @@ bool FindSection(const QStringList& lines, const QString& section, qsizetype* be
         const QString name = SectionName(lines[i]);
         if (name.isNull() || !SameName(name, section)) continue;
         qsizetype j = i + 1;
-        while (j < lines.size() && SectionName(lines[j]).isNull()) ++j;
+        while (j < lines.size() && SectionName(lines[j]).isNull())
+            ++j;
         *begin = i;
         *end = j;
         return true;
@@ -87,15 +89,22 @@ bool SplitKey(const QString& line, QString* key, QString* value) {
 // Last line of the section that is not blank, for appending behind it.
 qsizetype InsertPoint(const QStringList& lines, qsizetype begin, qsizetype end) {
     qsizetype at = end;
-    while (at > begin + 1 && lines[at - 1].trimmed().isEmpty()) --at;
+    while (at > begin + 1 && lines[at - 1].trimmed().isEmpty())
+        --at;
     return at;
 }
 
 } // namespace
 
-void SetDefaultIniPath(const QString& path) { g_defaultIni = path; }
-QString DefaultIniPath() { return g_defaultIni; }
-void SetIniBeepHandler(std::function<void()> beep) { g_beep = std::move(beep); }
+void SetDefaultIniPath(const QString& path) {
+    g_defaultIni = path;
+}
+QString DefaultIniPath() {
+    return g_defaultIni;
+}
+void SetIniBeepHandler(std::function<void()> beep) {
+    g_beep = std::move(beep);
+}
 
 int ProfileInt(const QString& value) {
     const QString t = value.trimmed();
@@ -197,7 +206,8 @@ void IniWriteSection(const QString& file, const QString& section, const QStringL
     } else {
         const qsizetype keep = InsertPoint(p.lines, b, e);
         p.lines.remove(b + 1, keep - b - 1);
-        for (qsizetype i = 0; i < body.size(); ++i) p.lines.insert(b + 1 + i, body[i]);
+        for (qsizetype i = 0; i < body.size(); ++i)
+            p.lines.insert(b + 1 + i, body[i]);
     }
     WriteProfile(path, p.lines);
 }

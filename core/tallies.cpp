@@ -11,7 +11,8 @@ void ResetTallies(Model& m) {
     m.PeriodBandCount = {};
     m.GruppeBandCount = {};
     m.StaatsfunkRecords.clear();
-    for (BezirkRecord& b : m.BezirkRecords) b.AnzGesamt = b.Anz40 = b.Anz80 = b.Anz30 = 0;
+    for (BezirkRecord& b : m.BezirkRecords)
+        b.AnzGesamt = b.Anz40 = b.Anz80 = b.Anz30 = 0;
 }
 
 bool IsStaatsfunkCall(const QString& call) {
@@ -33,8 +34,10 @@ void CountStaatsfunk(Model& m, const QString& call, int band) {
         m.StaatsfunkRecords.push_back({prefix, 0, 0});
         row = &m.StaatsfunkRecords.back();
     }
-    if (band == kBand80) ++row->Anz80;
-    else if (band == kBand30) ++row->Anz30;
+    if (band == kBand80)
+        ++row->Anz80;
+    else if (band == kBand30)
+        ++row->Anz30;
 }
 
 void RebuildTallies(Model& m) {
@@ -50,9 +53,12 @@ void RebuildTallies(Model& m) {
         if (n > 0 && size_t(n) < m.BezirkRecords.size()) {
             BezirkRecord& b = m.BezirkRecords[size_t(n)];
             ++b.AnzGesamt;
-            if (r.Band == kBand40) ++b.Anz40;
-            else if (r.Band == kBand80) ++b.Anz80;
-            else if (r.Band == kBand30) ++b.Anz30;
+            if (r.Band == kBand40)
+                ++b.Anz40;
+            else if (r.Band == kBand80)
+                ++b.Anz80;
+            else if (r.Band == kBand30)
+                ++b.Anz30;
             RaiseGruppeBandCount(m, b.Gruppe, r.Band);
         }
         const auto t = m.Formats.ParseTime(r.Zeit);

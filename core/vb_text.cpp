@@ -1,9 +1,9 @@
 #include "core/vb_text.h"
 
+#include <QtGlobal>
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <QtGlobal>
 
 namespace kolibrino {
 namespace {
@@ -30,13 +30,19 @@ Scan ScanNumber(QStringView t, qsizetype i) {
     bool negative = false;
     if (i < n && (t[i] == u'+' || t[i] == u'-')) negative = t[i++] == u'-';
     bool digits = false;
-    while (i < n && IsAsciiDigit(t[i])) { put(char(t[i++].unicode())); digits = true; }
+    while (i < n && IsAsciiDigit(t[i])) {
+        put(char(t[i++].unicode()));
+        digits = true;
+    }
     if (i < n && (t[i] == u'.' || t[i] == u',')) {
         qsizetype j = i + 1;
         const int mark = len;
         put('.');
         bool frac = false;
-        while (j < n && IsAsciiDigit(t[j])) { put(char(t[j++].unicode())); frac = true; }
+        while (j < n && IsAsciiDigit(t[j])) {
+            put(char(t[j++].unicode()));
+            frac = true;
+        }
         if (digits || frac) {
             digits = true;
             i = j;
@@ -51,9 +57,14 @@ Scan ScanNumber(QStringView t, qsizetype i) {
         put('e');
         if (j < n && (t[j] == u'+' || t[j] == u'-')) put(char(t[j++].unicode()));
         bool expDigits = false;
-        while (j < n && IsAsciiDigit(t[j])) { put(char(t[j++].unicode())); expDigits = true; }
-        if (expDigits) i = j;
-        else len = mark;
+        while (j < n && IsAsciiDigit(t[j])) {
+            put(char(t[j++].unicode()));
+            expDigits = true;
+        }
+        if (expDigits)
+            i = j;
+        else
+            len = mark;
     }
     double v = 0;
     const auto res = std::from_chars(buf, buf + len, v);
@@ -65,7 +76,8 @@ Scan ScanNumber(QStringView t, qsizetype i) {
 
 double LeadingNumber(QStringView text) {
     qsizetype i = 0;
-    while (i < text.size() && (text[i] == u' ' || text[i] == u'\t')) ++i;
+    while (i < text.size() && (text[i] == u' ' || text[i] == u'\t'))
+        ++i;
     const Scan s = ScanNumber(text, i);
     return s.end ? s.value : 0.0;
 }
@@ -101,8 +113,10 @@ QString FloatText(float value) {
 
 QString TrimBlanks(const QString& text) {
     qsizetype b = 0, e = text.size();
-    while (b < e && text[b] == u' ') ++b;
-    while (e > b && text[e - 1] == u' ') --e;
+    while (b < e && text[b] == u' ')
+        ++b;
+    while (e > b && text[e - 1] == u' ')
+        --e;
     return (b == 0 && e == text.size()) ? text : text.mid(b, e - b);
 }
 

@@ -27,7 +27,8 @@ struct SetupEnv {
     FixedTimeSource clock;
     Model& m = home.model;
 
-    explicit SetupEnv(const QDateTime& now = QDateTime(QDate(2026, 3, 10), QTime(9, 30)), bool districts = true)
+    explicit SetupEnv(const QDateTime& now = QDateTime(QDate(2026, 3, 10), QTime(9, 30)),
+                      bool districts = true)
         : clock(now) {
         if (!districts) return;
         WriteBytes(m.DataFolder + QStringLiteral("bez_koord.txt"), SmallDistrictTable());

@@ -59,7 +59,8 @@ public:
     QString Path(const QString& rel) const { return dir.path() + QLatin1Char('/') + rel; }
     // Copies the shipped district table into the data folder.
     void InstallDistricts() {
-        QFile::copy(QStringLiteral(KOLIBRINO_SOURCE_DIR "/data/bez_koord.txt"), model.DataFolder + QStringLiteral("bez_koord.txt"));
+        QFile::copy(QStringLiteral(KOLIBRINO_SOURCE_DIR "/data/bez_koord.txt"),
+                    model.DataFolder + QStringLiteral("bez_koord.txt"));
     }
 
     QTemporaryDir dir;

@@ -48,8 +48,9 @@ private slots:
         QCOMPARE(QFile::exists(target), copied);
         if (!copied) {
             QCOMPARE(dialogs.boxes.size(), 1);
-            QCOMPARE(dialogs.boxes[0].text, QStringLiteral("Zu wenig freier Speicher auf dem Sicherungsmedium!\r\n"
-                                                           "Bitte Speicherplatz freigeben.\r\n\r\nSichern abgebrochen!"));
+            QCOMPARE(dialogs.boxes[0].text,
+                     QStringLiteral("Zu wenig freier Speicher auf dem Sicherungsmedium!\r\n"
+                                    "Bitte Speicherplatz freigeben.\r\n\r\nSichern abgebrochen!"));
             QCOMPARE(dialogs.boxes[0].flags, 64);
         }
     }
@@ -65,7 +66,8 @@ private slots:
     void missingOwnBackupFolderStopsEveryBackup() {
         BackupFile(dialogs, source, target, P(QStringLiteral("nicht-da/")));
         QCOMPARE(dialogs.boxes.size(), 1);
-        QCOMPARE(dialogs.boxes[0].text, QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"));
+        QCOMPARE(dialogs.boxes[0].text,
+                 QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"));
         QCOMPARE(dialogs.boxes[0].flags, 64);
         QVERIFY(!QFile::exists(target));
     }
@@ -77,7 +79,8 @@ private slots:
         QVERIFY(!QFile::exists(target));
         QCOMPARE(ReadBytes(target + QStringLiteral(".ALT")), QByteArray("letzte gute Kopie"));
         QCOMPARE(dialogs.boxes.size(), 1);
-        QCOMPARE(dialogs.boxes[0].text, QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"));
+        QCOMPARE(dialogs.boxes[0].text,
+                 QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"));
         QCOMPARE(dialogs.boxes[0].flags, 16);
     }
 

@@ -68,7 +68,8 @@ private slots:
     }
 
     void emptyIndexFindsNothingAndLeavesTheDistrict() {
-        const DupeVerdict v = CallExistTest(m, QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QTime(5, 0));
+        const DupeVerdict v =
+            CallExistTest(m, QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QTime(5, 0));
         QVERIFY(!v.isDupe);
         QVERIFY(!v.found);
         QVERIFY(v.bezirk.isNull());
@@ -82,7 +83,8 @@ private slots:
     void keyIncludesBothSeparators() {
         QFETCH(QString, logged);
         Add(m, Rec(logged, 40, QStringLiteral("SSB"), QStringLiteral("05:00:00")));
-        const DupeVerdict v = CallExistTest(m, QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QTime(5, 30));
+        const DupeVerdict v =
+            CallExistTest(m, QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QTime(5, 30));
         QVERIFY(!v.isDupe);
         QVERIFY(!v.found);
         QVERIFY(!CallInIndex(m.CallIndex, QStringLiteral("OE1AB")));
@@ -110,7 +112,8 @@ private slots:
         QVERIFY(v.found);
         if (dupe) {
             QCOMPARE(*v.dupeTime, QTime(5, 10));
-            QCOMPARE(DupeWarningText(m, *v.dupeTime), QStringLiteral("Station bereits um 05:10 Uhr gearbeitet!"));
+            QCOMPARE(DupeWarningText(m, *v.dupeTime),
+                     QStringLiteral("Station bereits um 05:10 Uhr gearbeitet!"));
         }
     }
 
@@ -123,7 +126,8 @@ private slots:
         m2.SetLocale(AustrianLocale());
         Add(m2, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QStringLiteral("05:10:00"), 0));
         Add(m2, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QStringLiteral("05:20:00"), 1));
-        const DupeVerdict v = CallExistTest(m2, QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QTime(5, 30));
+        const DupeVerdict v =
+            CallExistTest(m2, QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QTime(5, 30));
         QVERIFY(v.isDupe);
         QCOMPARE(v.dupeRecord, 0);
     }
@@ -151,9 +155,12 @@ private slots:
     }
 
     void aHitFillsTheDistrictOfTheLastRecordVisited() {
-        Add(m, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QStringLiteral("05:10:00"), 0, QStringLiteral("WI")));
-        Add(m, Rec(QStringLiteral("OE1AB"), 80, QStringLiteral("SSB"), QStringLiteral("05:20:00"), 0, QStringLiteral("MD")));
-        Add(m, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("CW"), QStringLiteral("05:30:00"), 0, QStringLiteral("GZ")));
+        Add(m, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QStringLiteral("05:10:00"), 0,
+                   QStringLiteral("WI")));
+        Add(m, Rec(QStringLiteral("OE1AB"), 80, QStringLiteral("SSB"), QStringLiteral("05:20:00"), 0,
+                   QStringLiteral("MD")));
+        Add(m, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("CW"), QStringLiteral("05:30:00"), 0,
+                   QStringLiteral("GZ")));
         // no dupe: every record is visited, the last one names the district
         DupeVerdict v = CallExistTest(m, QStringLiteral("OE1AB"), 80, QStringLiteral("CW"), QTime(6, 0));
         QVERIFY(!v.isDupe);
@@ -167,7 +174,8 @@ private slots:
     void firstRecordInIndexOrderNamesTheTime() {
         Add(m, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QStringLiteral("07:00:00")));
         Add(m, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QStringLiteral("05:00:00")));
-        const DupeVerdict v = CallExistTest(m, QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QTime(7, 30));
+        const DupeVerdict v =
+            CallExistTest(m, QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QTime(7, 30));
         QCOMPARE(*v.dupeTime, QTime(7, 0));
     }
 };

@@ -47,19 +47,24 @@ private slots:
     void dupeAnswersWithTheDistrict_data() {
         QTest::addColumn<QStringList>("args");
         QTest::addColumn<QByteArray>("firstLine");
-        QTest::newRow("same slot") << QStringList{QStringLiteral("OE1ABC"), QStringLiteral("40"), QStringLiteral("SSB"), QStringLiteral("06:00")}
+        QTest::newRow("same slot") << QStringList{QStringLiteral("OE1ABC"), QStringLiteral("40"),
+                                                  QStringLiteral("SSB"), QStringLiteral("06:00")}
                                    << QByteArray("DUPE WI");
-        QTest::newRow("other band") << QStringList{QStringLiteral("OE1ABC"), QStringLiteral("80m"), QStringLiteral("SSB"), QStringLiteral("06:00")}
+        QTest::newRow("other band") << QStringList{QStringLiteral("OE1ABC"), QStringLiteral("80m"),
+                                                   QStringLiteral("SSB"), QStringLiteral("06:00")}
                                     << QByteArray("OK WI");
-        QTest::newRow("afternoon") << QStringList{QStringLiteral("OE1ABC"), QStringLiteral("40"), QStringLiteral("SSB"), QStringLiteral("14:00")}
+        QTest::newRow("afternoon") << QStringList{QStringLiteral("OE1ABC"), QStringLiteral("40"),
+                                                  QStringLiteral("SSB"), QStringLiteral("14:00")}
                                    << QByteArray("OK WI");
-        QTest::newRow("new call") << QStringList{QStringLiteral("OE5NEW"), QStringLiteral("40"), QStringLiteral("SSB"), QStringLiteral("06:00")}
+        QTest::newRow("new call") << QStringList{QStringLiteral("OE5NEW"), QStringLiteral("40"),
+                                                 QStringLiteral("SSB"), QStringLiteral("06:00")}
                                   << QByteArray("OK");
     }
     void dupeAnswersWithTheDistrict() {
         QFETCH(QStringList, args);
         QFETCH(QByteArray, firstLine);
-        const Result r = Run(QStringList{QStringLiteral("dupe"), FixturePath(QStringLiteral("basic.KOLBO"))} + args);
+        const Result r =
+            Run(QStringList{QStringLiteral("dupe"), FixturePath(QStringLiteral("basic.KOLBO"))} + args);
         QCOMPARE(r.code, 0);
         QCOMPARE(r.out.split('\n').first(), firstLine);
         if (firstLine.startsWith("DUPE")) QVERIFY(r.out.contains("Station bereits um 05:01 Uhr gearbeitet!"));
@@ -80,7 +85,8 @@ private slots:
         const Result r = Run({QStringLiteral("rebuild"), bad});
         QCOMPARE(r.code, 1);
         QVERIFY(r.out.isEmpty());
-        QVERIFY(QString::fromLocal8Bit(r.err).contains(QStringLiteral("ist fehlerhaft oder keine gültige Kolibrino Logdatei!")));
+        QVERIFY(QString::fromLocal8Bit(r.err).contains(
+            QStringLiteral("ist fehlerhaft oder keine gültige Kolibrino Logdatei!")));
     }
 
     void wrongUseGivesStatusTwo() {

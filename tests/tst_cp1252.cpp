@@ -12,7 +12,8 @@ class TestCp1252 : public QObject {
 private slots:
     void everyByteSurvivesARoundTrip() {
         QByteArray all;
-        for (int i = 0; i < 256; ++i) all.append(char(i));
+        for (int i = 0; i < 256; ++i)
+            all.append(char(i));
         const QString text = FromCp1252(all);
         QCOMPARE(text.size(), 256);
         QCOMPARE(ToCp1252(text), all);
@@ -35,7 +36,8 @@ private slots:
     }
 
     void cleanTextHasOneCharacterPerByte() {
-        const QString clean = Cp1252Clean(QString::fromUtf8("OE\xf0\x9f\x93\xbb" "1"));
+        const QString clean = Cp1252Clean(QString::fromUtf8("OE\xf0\x9f\x93\xbb"
+                                                            "1"));
         QCOMPARE(clean, QStringLiteral("OE?1"));
     }
 

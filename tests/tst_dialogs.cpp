@@ -40,8 +40,10 @@ class TestDialogs : public QObject {
 
 private slots:
     void filterWithoutClosingBarBecomesTwoStrings() {
-        QCOMPARE(ParseDialogFilter(QStringLiteral("*.log|*.log")), (QStringList{QStringLiteral("*.log"), QStringLiteral("*.log")}));
-        QCOMPARE(ParseDialogFilter(QStringLiteral("Log|*.KOLBO|")), (QStringList{QStringLiteral("Log"), QStringLiteral("*.KOLBO")}));
+        QCOMPARE(ParseDialogFilter(QStringLiteral("*.log|*.log")),
+                 (QStringList{QStringLiteral("*.log"), QStringLiteral("*.log")}));
+        QCOMPARE(ParseDialogFilter(QStringLiteral("Log|*.KOLBO|")),
+                 (QStringList{QStringLiteral("Log"), QStringLiteral("*.KOLBO")}));
         QCOMPARE(QtNameFilter(QStringLiteral("*.log|*.log")), QStringLiteral("*.log (*.log)"));
     }
 
@@ -90,17 +92,25 @@ private slots:
         QTest::addColumn<QStringList>("buttons");
         QTest::addColumn<int>("defaultIndex");
         QTest::addColumn<int>("enterAnswer");
-        QTest::newRow("16 stop") << 16 << int(QMessageBox::Critical) << QStringList{QStringLiteral("OK")} << 0 << 1;
-        QTest::newRow("64 information") << 64 << int(QMessageBox::Information) << QStringList{QStringLiteral("OK")} << 0 << 1;
-        QTest::newRow("21 retry cancel") << 21 << int(QMessageBox::Critical)
-                                         << QStringList{QStringLiteral("&Wiederholen"), QStringLiteral("Abbrechen")} << 0 << 4;
-        QTest::newRow("292 question, no default") << 292 << int(QMessageBox::Question)
-                                                  << QStringList{QStringLiteral("&Ja"), QStringLiteral("&Nein")} << 1 << 7;
-        QTest::newRow("36 question, yes default") << 36 << int(QMessageBox::Question)
-                                                  << QStringList{QStringLiteral("&Ja"), QStringLiteral("&Nein")} << 0 << 6;
-        QTest::newRow("3 yes no cancel") << 3 << int(QMessageBox::NoIcon)
-                                         << QStringList{QStringLiteral("&Ja"), QStringLiteral("&Nein"), QStringLiteral("Abbrechen")} << 0 << 6;
-        QTest::newRow("48 exclamation") << 48 << int(QMessageBox::Warning) << QStringList{QStringLiteral("OK")} << 0 << 1;
+        QTest::newRow("16 stop") << 16 << int(QMessageBox::Critical) << QStringList{QStringLiteral("OK")} << 0
+                                 << 1;
+        QTest::newRow("64 information")
+            << 64 << int(QMessageBox::Information) << QStringList{QStringLiteral("OK")} << 0 << 1;
+        QTest::newRow("21 retry cancel")
+            << 21 << int(QMessageBox::Critical)
+            << QStringList{QStringLiteral("&Wiederholen"), QStringLiteral("Abbrechen")} << 0 << 4;
+        QTest::newRow("292 question, no default")
+            << 292 << int(QMessageBox::Question)
+            << QStringList{QStringLiteral("&Ja"), QStringLiteral("&Nein")} << 1 << 7;
+        QTest::newRow("36 question, yes default")
+            << 36 << int(QMessageBox::Question) << QStringList{QStringLiteral("&Ja"), QStringLiteral("&Nein")}
+            << 0 << 6;
+        QTest::newRow("3 yes no cancel")
+            << 3 << int(QMessageBox::NoIcon)
+            << QStringList{QStringLiteral("&Ja"), QStringLiteral("&Nein"), QStringLiteral("Abbrechen")} << 0
+            << 6;
+        QTest::newRow("48 exclamation")
+            << 48 << int(QMessageBox::Warning) << QStringList{QStringLiteral("OK")} << 0 << 1;
     }
     void messageBoxesKeepTheirFlags() {
         QFETCH(int, flags);
@@ -118,7 +128,8 @@ private slots:
             QVERIFY(box);
             seenIcon = box->icon();
             title = box->windowTitle();
-            for (QAbstractButton* b : box->buttons()) seen << b->text();
+            for (QAbstractButton* b : box->buttons())
+                seen << b->text();
             defaultText = box->defaultButton()->text();
             QTest::keyClick(box, Qt::Key_Return);
         });
@@ -132,7 +143,8 @@ private slots:
         QCOMPARE(defaultText, buttons[defaultIndex]);
         QCOMPARE(answer, enterAnswer);
         ScriptedDialogs s;
-        QCOMPARE(s.MsgBox(QStringLiteral("x"), flags, QString()), flags == 21 ? int(Msg::Cancel) : enterAnswer);
+        QCOMPARE(s.MsgBox(QStringLiteral("x"), flags, QString()),
+                 flags == 21 ? int(Msg::Cancel) : enterAnswer);
     }
 
     void errorTrapRetriesUntilTheOperatorCancels() {
@@ -141,7 +153,10 @@ private slots:
         s.AnswerMsgBox(Msg::Retry);
         s.AnswerMsgBox(Msg::Cancel);
         int runs = 0;
-        QVERIFY(!RunTrapped(s, [&] { ++runs; return QStringLiteral("Zugriff verweigert"); }));
+        QVERIFY(!RunTrapped(s, [&] {
+            ++runs;
+            return QStringLiteral("Zugriff verweigert");
+        }));
         QCOMPARE(runs, 3);
         QCOMPARE(s.boxes.size(), 3);
         QCOMPARE(s.boxes[0].text, QStringLiteral("FEHLER\r\n\r\n\tZugriff verweigert"));
@@ -159,7 +174,9 @@ private slots:
     void inputBoxCancelIsNoAnswer() {
         QtDialogs d;
         OnNextModal([](QWidget* w) { static_cast<QDialog*>(w)->reject(); });
-        QVERIFY(!d.InputBox(QStringLiteral("Bitte den Namen für den neuen Ordner eingeben"), QStringLiteral("Ordnername"), {}).has_value());
+        QVERIFY(!d.InputBox(QStringLiteral("Bitte den Namen für den neuen Ordner eingeben"),
+                            QStringLiteral("Ordnername"), {})
+                     .has_value());
         OnNextModal([](QWidget* w) {
             QTest::keyClicks(w->focusWidget(), QStringLiteral("Neu"));
             static_cast<QDialog*>(w)->accept();

@@ -23,8 +23,9 @@ private slots:
     }
 
     void shortDateAlwaysHasFourYearDigits() {
-        for (const QLocale& l : {QLocale(QLocale::English, QLocale::UnitedStates), QLocale(QLocale::German, QLocale::Germany),
-                                 QLocale(QLocale::English, QLocale::UnitedKingdom)}) {
+        for (const QLocale& l :
+             {QLocale(QLocale::English, QLocale::UnitedStates), QLocale(QLocale::German, QLocale::Germany),
+              QLocale(QLocale::English, QLocale::UnitedKingdom)}) {
             const LocaleFormats f(l);
             QVERIFY2(f.ShortDate(QDate(2026, 5, 1)).contains(QStringLiteral("2026")), qPrintable(l.name()));
             QVERIFY(f.ParseDate(f.ShortDate(QDate(2026, 5, 1))).has_value());

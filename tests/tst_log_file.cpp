@@ -22,16 +22,31 @@ QString MinimalHeader(const QString& extra = {}) {
 
 QString Line(const QStringList& fields) {
     QString s;
-    for (const QString& f : fields) s += f + P;
+    for (const QString& f : fields)
+        s += f + P;
     return s + QStringLiteral("\r\n");
 }
 
 QStringList Fields(const QString& call, int count) {
-    QStringList f = {call, QStringLiteral("40"), QStringLiteral("WI"), QStringLiteral("01.05.2026"),
-                     QStringLiteral("05:10:00"), QStringLiteral("59"), QStringLiteral("59"), QStringLiteral("0"),
-                     QStringLiteral("SSB"), QStringLiteral("SSB"), QStringLiteral("0"), QStringLiteral("OE1XX"),
-                     QString(), QStringLiteral("0"), QStringLiteral("7050"), QStringLiteral("0"),
-                     QStringLiteral("r1"), QStringLiteral("r2"), QStringLiteral("r3")};
+    QStringList f = {call,
+                     QStringLiteral("40"),
+                     QStringLiteral("WI"),
+                     QStringLiteral("01.05.2026"),
+                     QStringLiteral("05:10:00"),
+                     QStringLiteral("59"),
+                     QStringLiteral("59"),
+                     QStringLiteral("0"),
+                     QStringLiteral("SSB"),
+                     QStringLiteral("SSB"),
+                     QStringLiteral("0"),
+                     QStringLiteral("OE1XX"),
+                     QString(),
+                     QStringLiteral("0"),
+                     QStringLiteral("7050"),
+                     QStringLiteral("0"),
+                     QStringLiteral("r1"),
+                     QStringLiteral("r2"),
+                     QStringLiteral("r3")};
     return f.mid(0, count);
 }
 
@@ -72,7 +87,8 @@ private slots:
 
     void lineOfFifteenPiecesIsSkippedAndLaterLinesLoad() {
         const QString text = MinimalHeader() + Line(Fields(QStringLiteral("OE1AAA"), 19)) +
-                             Line(Fields(QStringLiteral("OE1BBB"), 14)) + Line(Fields(QStringLiteral("OE1CCC"), 19));
+                             Line(Fields(QStringLiteral("OE1BBB"), 14)) +
+                             Line(Fields(QStringLiteral("OE1CCC"), 19));
         QVERIFY(LoadText(text));
         QCOMPARE(home->model.LogRecords.size(), size_t(2));
         QCOMPARE(home->model.LogRecords[1].Call, QStringLiteral("OE1CCC"));
@@ -81,7 +97,8 @@ private slots:
 
     void lineOfFifteenCharactersOrLessEndsTheContacts() {
         const QString text = MinimalHeader() + Line(Fields(QStringLiteral("OE1AAA"), 19)) +
-                             QStringLiteral("123456789012345\r\n") + Line(Fields(QStringLiteral("OE1CCC"), 19));
+                             QStringLiteral("123456789012345\r\n") +
+                             Line(Fields(QStringLiteral("OE1CCC"), 19));
         QVERIFY(LoadText(text));
         QCOMPARE(home->model.LogRecords.size(), size_t(1));
         QVERIFY(home->model.LogText.contains(QStringLiteral("OE1CCC")));
@@ -118,10 +135,13 @@ private slots:
 
     void missingEndheadFailsWithTheLoadMessage() {
         const QString path = home->model.LogFolder + QStringLiteral("t.KOLBO");
-        WriteBytes(path, Cp(Tag(QStringLiteral("MYCALL"), QStringLiteral("OE1XX")) + Line(Fields(QStringLiteral("OE1AAA"), 19))));
+        WriteBytes(path, Cp(Tag(QStringLiteral("MYCALL"), QStringLiteral("OE1XX")) +
+                            Line(Fields(QStringLiteral("OE1AAA"), 19))));
         QCOMPARE(LoadLog(home->model, dialogs, path), 0);
         QCOMPARE(dialogs.boxes.size(), 1);
-        QCOMPARE(dialogs.boxes[0].text, QStringLiteral("Die Datei\r\n%1\r\nist fehlerhaft oder keine gültige Kolibrino Logdatei!").arg(path));
+        QCOMPARE(dialogs.boxes[0].text,
+                 QStringLiteral("Die Datei\r\n%1\r\nist fehlerhaft oder keine gültige Kolibrino Logdatei!")
+                     .arg(path));
         QCOMPARE(dialogs.boxes[0].flags, int(Msg::Critical));
         QVERIFY(home->model.LogRecords.empty());
         QCOMPARE(home->model.Header.MYCALL, QString());
@@ -166,7 +186,8 @@ private slots:
     }
 
     void deletionAndRebuildDropTheIndexEntryAndTheLine() {
-        QVERIFY(LoadText(MinimalHeader() + Line(Fields(QStringLiteral("OE1AAA"), 19)) + Line(Fields(QStringLiteral("OE1BBB"), 19)) +
+        QVERIFY(LoadText(MinimalHeader() + Line(Fields(QStringLiteral("OE1AAA"), 19)) +
+                         Line(Fields(QStringLiteral("OE1BBB"), 19)) +
                          Line(Fields(QStringLiteral("OE1CCC"), 19))));
         Model& m = home->model;
         const qsizetype linesBefore = BuildLogText(m, true, 2026).count(QStringLiteral("\r\n"));
@@ -174,7 +195,8 @@ private slots:
         const QString text = BuildLogText(m, true, 2026);
         QCOMPARE(m.LogRecords.size(), size_t(3));
         QVERIFY(!m.CallIndex.contains(QStringLiteral("OE1BBB")));
-        QCOMPARE(m.CallIndex, P + QStringLiteral("OE1AAA\u00d7") + QStringLiteral("0") + P + QStringLiteral("OE1CCC\u00d7") + QStringLiteral("2") + P);
+        QCOMPARE(m.CallIndex, P + QStringLiteral("OE1AAA\u00d7") + QStringLiteral("0") + P +
+                                  QStringLiteral("OE1CCC\u00d7") + QStringLiteral("2") + P);
         QCOMPARE(text.count(QStringLiteral("\r\n")), linesBefore - 1);
         QVERIFY(!text.contains(QStringLiteral("OE1BBB")));
         QCOMPARE(m.LogText, text);
@@ -222,8 +244,9 @@ private slots:
     }
 
     void identificationLineCarriesTitleVersionAndYear() {
-        QCOMPARE(IdentificationLine(2026),
-                 QStringLiteral("CREATED-BY Kolibrino v%1, \u00a92026 by ZZ9QQQ\r\n").arg(ProgramVersionText()));
+        QCOMPARE(
+            IdentificationLine(2026),
+            QStringLiteral("CREATED-BY Kolibrino v%1, \u00a92026 by ZZ9QQQ\r\n").arg(ProgramVersionText()));
         QCOMPARE(Cp(IdentificationLine(2026)).at(IdentificationLine(2026).indexOf(QChar(0xA9))), char(0xA9));
     }
 
@@ -232,7 +255,8 @@ private slots:
         h.MYCALL = QStringLiteral("OE1ABC");
         h.MYPWR = 12;
         const QString text = HeaderText(h);
-        QVERIFY(text.startsWith(QStringLiteral("[MYCALL:6]OE1ABC\r\n[MYLOCATOR:0]\r\n[MYBZ:2]  \r\n[MYOMYL:1]0\r\n")));
+        QVERIFY(text.startsWith(
+            QStringLiteral("[MYCALL:6]OE1ABC\r\n[MYLOCATOR:0]\r\n[MYBZ:2]  \r\n[MYOMYL:1]0\r\n")));
         QVERIFY(text.contains(QStringLiteral("[MYPWR:2]12\r\n")));
         QVERIFY(text.contains(QStringLiteral("[MYEXAMDAT:10]00.00.2000\r\n")));
         QVERIFY(text.endsWith(QStringLiteral("[MYNPOWER:1]0\r\n[ENDHEAD:]\r\n")));
@@ -248,7 +272,8 @@ private slots:
         QCOMPARE(bytes, Cp(m.LogText));
         QVERIFY(bytes.contains(QByteArray("OE3\xc4\x80?")));
         // No temporary file is left behind.
-        QCOMPARE(QDir(m.LogFolder).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("w.KOLBO")});
+        QCOMPARE(QDir(m.LogFolder).entryList(QDir::Files | QDir::Hidden),
+                 QStringList{QStringLiteral("w.KOLBO")});
     }
 
     void writeLogFileReportsAnUnwritableFolder() {
@@ -289,7 +314,8 @@ private slots:
         QTest::newRow("SSB morning 40") << 40 << QStringLiteral("SSB") << QTime(5, 0) << 0 << 0 << 0;
         QTest::newRow("SSB noon is afternoon") << 80 << QStringLiteral("SSB") << QTime(12, 0) << 0 << 1 << 1;
         QTest::newRow("CW morning 30") << 30 << QStringLiteral("CW") << QTime(11, 59, 59) << 1 << 2 << 2;
-        QTest::newRow("anything else counts as CW") << 80 << QStringLiteral("ssb") << QTime(15, 0) << 1 << 3 << 1;
+        QTest::newRow("anything else counts as CW")
+            << 80 << QStringLiteral("ssb") << QTime(15, 0) << 1 << 3 << 1;
     }
     void updateCountersAddsAndTakesAway() {
         QFETCH(int, band);
@@ -304,7 +330,7 @@ private slots:
         QCOMPARE(m.PeriodBandCount[periodRow][column], 1);
         UpdateCounters(m, band, mode, time, QStringLiteral("False"));
         UpdateCounters(m, band, mode, time, QStringLiteral("False"));
-        QCOMPARE(m.ModeBandCount[modeRow][column], -1); // no floor
+        QCOMPARE(m.ModeBandCount[modeRow][column], -1);    // no floor
         QCOMPARE(m.PeriodBandCount[periodRow][column], 0); // floored
     }
 
@@ -313,7 +339,8 @@ private slots:
         UpdateCounters(m, 40, QStringLiteral("SSB"), QTime(5, 0), QStringLiteral("true"));
         UpdateCounters(m, 20, QStringLiteral("SSB"), QTime(5, 0), QStringLiteral("True"));
         for (const auto& row : m.ModeBandCount)
-            for (int v : row) QCOMPARE(v, 0);
+            for (int v : row)
+                QCOMPARE(v, 0);
     }
 
     void gruppeBandCountRisesOnlyForKnownGroupsAndBands_data() {
@@ -334,7 +361,8 @@ private slots:
         RaiseGruppeBandCount(m, gruppe, band);
         int total = 0;
         for (const auto& row : m.GruppeBandCount)
-            for (int v : row) total += v;
+            for (int v : row)
+                total += v;
         QCOMPARE(total, counts ? 1 : 0);
         if (counts) QCOMPARE(m.GruppeBandCount[gruppe - 1][BandColumn(band)], 1);
     }

@@ -22,7 +22,8 @@ private slots:
         QCOMPARE(m.LogFolder, m.DataFolder + QStringLiteral("Logs/"));
         QCOMPARE(m.BackupFolder, m.DataFolder + QStringLiteral("Sicherung/"));
         QCOMPARE(m.TmpFolder, m.DataFolder + QStringLiteral("Tmp/"));
-        for (const QString& f : {m.LogFolder, m.BackupFolder, m.TmpFolder}) QVERIFY(FolderExists(f));
+        for (const QString& f : {m.LogFolder, m.BackupFolder, m.TmpFolder})
+            QVERIFY(FolderExists(f));
     }
 
     void xdgDataHomeIsUsedWithoutOverride() {

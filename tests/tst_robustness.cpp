@@ -16,18 +16,30 @@ using namespace kolibrino::test;
 namespace {
 
 QByteArray Mutate(QByteArray b, QRandomGenerator& rng) {
-    static const char interesting[] = {'\xb6', '\xd7', '[', ']', ':', '\r', '\n', '0', '9', '-', ';', ' ', '\0', '.'};
+    static const char interesting[] = {'\xb6', '\xd7', '[', ']', ':', '\r', '\n',
+                                       '0',    '9',    '-', ';', ' ', '\0', '.'};
     const int edits = 1 + int(rng.bounded(8));
     for (int i = 0; i < edits; ++i) {
         const int kind = int(rng.bounded(5));
         const qsizetype at = b.isEmpty() ? 0 : qsizetype(rng.bounded(quint32(b.size())));
-        const char c = rng.bounded(2) ? interesting[rng.bounded(quint32(sizeof interesting))] : char(rng.bounded(256));
+        const char c =
+            rng.bounded(2) ? interesting[rng.bounded(quint32(sizeof interesting))] : char(rng.bounded(256));
         switch (kind) {
-        case 0: if (!b.isEmpty()) b[at] = c; break;
-        case 1: b.insert(at, c); break;
-        case 2: b.remove(at, qsizetype(rng.bounded(16))); break;
-        case 3: b.truncate(at); break;
-        default: b.insert(at, b.mid(at / 2, qsizetype(rng.bounded(64)))); break;
+        case 0:
+            if (!b.isEmpty()) b[at] = c;
+            break;
+        case 1:
+            b.insert(at, c);
+            break;
+        case 2:
+            b.remove(at, qsizetype(rng.bounded(16)));
+            break;
+        case 3:
+            b.truncate(at);
+            break;
+        default:
+            b.insert(at, b.mid(at / 2, qsizetype(rng.bounded(64))));
+            break;
         }
     }
     return b;
@@ -35,7 +47,8 @@ QByteArray Mutate(QByteArray b, QRandomGenerator& rng) {
 
 QByteArray RandomBytes(QRandomGenerator& rng, int max) {
     QByteArray b(qsizetype(rng.bounded(max)), Qt::Uninitialized);
-    for (char& c : b) c = char(rng.bounded(256));
+    for (char& c : b)
+        c = char(rng.bounded(256));
     return b;
 }
 
@@ -73,10 +86,16 @@ private slots:
         for (int i = 0; i < 4000; ++i) {
             QByteArray bytes;
             switch (i % 4) {
-            case 0: bytes = seed.left(qsizetype(rng.bounded(quint32(seed.size() + 1)))); break;
+            case 0:
+                bytes = seed.left(qsizetype(rng.bounded(quint32(seed.size() + 1))));
+                break;
             case 1:
-            case 2: bytes = Mutate(seed, rng); break;
-            default: bytes = RandomBytes(rng, 2000); break;
+            case 2:
+                bytes = Mutate(seed, rng);
+                break;
+            default:
+                bytes = RandomBytes(rng, 2000);
+                break;
             }
             WriteBytes(path, bytes);
             ScriptedDialogs d;
@@ -88,7 +107,8 @@ private slots:
                 RebuildTallies(m);
                 BuildLogText(m, true, 2026);
                 CheckConsistent(m);
-                for (const QsoRecord& r : m.LogRecords) CallExistTest(m, r.Call, r.Band, r.Mode, QTime(5, 0));
+                for (const QsoRecord& r : m.LogRecords)
+                    CallExistTest(m, r.Call, r.Band, r.Mode, QTime(5, 0));
             } else {
                 ++failures;
                 QCOMPARE(d.boxes.size(), 1);
@@ -115,13 +135,15 @@ private slots:
             const int n = LoadBezirkTable(m, d);
             QVERIFY(n >= 0);
             QVERIFY(m.BezirkIndex.size() <= 600);
-            for (const BezirkRecord& b : m.BezirkRecords) BezirkNumber(m, b.Code);
+            for (const BezirkRecord& b : m.BezirkRecords)
+                BezirkNumber(m, b.Code);
         }
     }
 
     void damagedSettingsFilesReadAsWellAsTheyCan() {
         QRandomGenerator rng(1234);
-        const QByteArray seed("[EINSTELLUNGEN]\r\nBand=1\r\nMode=0\r\n[OPCALLS]\r\nOE1ABC\r\nOE3XYZ\r\n[Pathe]\r\nLastLogFile=a.KOLBO\r\n");
+        const QByteArray seed("[EINSTELLUNGEN]\r\nBand=1\r\nMode=0\r\n[OPCALLS]\r\nOE1ABC\r\nOE3XYZ\r\n["
+                              "Pathe]\r\nLastLogFile=a.KOLBO\r\n");
         const QString ini = home->Path(QStringLiteral("fuzz.INI"));
         for (int i = 0; i < 3000; ++i) {
             WriteBytes(ini, (i % 3 == 2) ? RandomBytes(rng, 300) : Mutate(seed, rng));

@@ -48,11 +48,15 @@ private slots:
 
     void writeReplacesTheValueOfAKeyInAnExistingSection() {
         WriteBytes(ini, QByteArray("[Pathe]\r\nlastlogfile = alt.KOLBO \r\nOther=1\r\n\r\n[X]\r\na=b\r\n"));
-        IniWrite(QString(), QStringLiteral("PATHE"), QStringLiteral("LastLogFile"), QStringLiteral("neu.KOLBO"));
-        IniWrite(QString(), QStringLiteral("pathe"), QStringLiteral("LastNewLogDate"), QStringLiteral("20260501"));
-        QCOMPARE(ReadBytes(ini), QByteArray("[Pathe]\r\nLastLogFile=neu.KOLBO\r\nOther=1\r\nLastNewLogDate=20260501\r\n\r\n"
-                                            "[X]\r\na=b\r\n"));
-        QCOMPARE(IniReadString(QString(), QStringLiteral("Pathe"), QStringLiteral("lastlogfile")), QStringLiteral("neu.KOLBO"));
+        IniWrite(QString(), QStringLiteral("PATHE"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("neu.KOLBO"));
+        IniWrite(QString(), QStringLiteral("pathe"), QStringLiteral("LastNewLogDate"),
+                 QStringLiteral("20260501"));
+        QCOMPARE(ReadBytes(ini),
+                 QByteArray("[Pathe]\r\nLastLogFile=neu.KOLBO\r\nOther=1\r\nLastNewLogDate=20260501\r\n\r\n"
+                            "[X]\r\na=b\r\n"));
+        QCOMPARE(IniReadString(QString(), QStringLiteral("Pathe"), QStringLiteral("lastlogfile")),
+                 QStringLiteral("neu.KOLBO"));
     }
 
     void firstMatchWins() {
@@ -66,9 +70,12 @@ private slots:
     }
 
     void umlautsAreStoredInCodePage1252() {
-        IniWrite(ini, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), QStringLiteral("Mödling.KOLBO"));
-        QVERIFY(ReadBytes(ini).contains(QByteArray("M\xf6" "dling")));
-        QCOMPARE(IniReadString(ini, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")), QStringLiteral("Mödling.KOLBO"));
+        IniWrite(ini, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"),
+                 QStringLiteral("Mödling.KOLBO"));
+        QVERIFY(ReadBytes(ini).contains(QByteArray("M\xf6"
+                                                   "dling")));
+        QCOMPARE(IniReadString(ini, QStringLiteral("Pathe"), QStringLiteral("LastLogFile")),
+                 QStringLiteral("Mödling.KOLBO"));
     }
 
     void readsOfAMissingFileGiveZeroAndBeep() {

@@ -13,7 +13,8 @@ class TestTallies : public QObject {
 
     std::unique_ptr<Home> home;
 
-    void Add(int band, const QString& call, const QString& mode, const QString& zeit, const QString& bz, int status = 0) {
+    void Add(int band, const QString& call, const QString& mode, const QString& zeit, const QString& bz,
+             int status = 0) {
         QsoRecord r;
         r.Call = call;
         r.Band = band;
@@ -42,12 +43,18 @@ private slots:
     }
 
     void rebuildCountsEveryTally() {
-        Add(40, QStringLiteral("OE1AB"), QStringLiteral("SSB"), QStringLiteral("05:10:00"), QStringLiteral("WI"));
-        Add(80, QStringLiteral("OE3CD"), QStringLiteral("CW"), QStringLiteral("14:00:00"), QStringLiteral("MD"));
-        Add(40, QStringLiteral("OE1AB"), QStringLiteral("SSB"), QStringLiteral("05:20:00"), QStringLiteral("WI"), 1);
-        Add(80, QStringLiteral("OEY21"), QStringLiteral("SSB"), QStringLiteral("06:00:00"), QStringLiteral("GZ"));
-        Add(30, QStringLiteral("OEY21"), QStringLiteral("CW"), QStringLiteral("15:00:00"), QStringLiteral("GZ"));
-        Add(30, QStringLiteral("OEX55"), QStringLiteral("CW"), QStringLiteral("11:59:59"), QStringLiteral("??"));
+        Add(40, QStringLiteral("OE1AB"), QStringLiteral("SSB"), QStringLiteral("05:10:00"),
+            QStringLiteral("WI"));
+        Add(80, QStringLiteral("OE3CD"), QStringLiteral("CW"), QStringLiteral("14:00:00"),
+            QStringLiteral("MD"));
+        Add(40, QStringLiteral("OE1AB"), QStringLiteral("SSB"), QStringLiteral("05:20:00"),
+            QStringLiteral("WI"), 1);
+        Add(80, QStringLiteral("OEY21"), QStringLiteral("SSB"), QStringLiteral("06:00:00"),
+            QStringLiteral("GZ"));
+        Add(30, QStringLiteral("OEY21"), QStringLiteral("CW"), QStringLiteral("15:00:00"),
+            QStringLiteral("GZ"));
+        Add(30, QStringLiteral("OEX55"), QStringLiteral("CW"), QStringLiteral("11:59:59"),
+            QStringLiteral("??"));
         Model& m = home->model;
         m.QsoCount = 99; // stale values are replaced, not added to
         RebuildTallies(m);
@@ -99,7 +106,8 @@ private slots:
         RebuildTallies(home->model);
         QCOMPARE(home->model.ModeBandCount[0][0], 1);
         for (const auto& row : home->model.PeriodBandCount)
-            for (int v : row) QCOMPARE(v, 0);
+            for (int v : row)
+                QCOMPARE(v, 0);
     }
 };
 

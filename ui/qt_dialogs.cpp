@@ -20,37 +20,57 @@ struct ButtonDef {
 
 QList<ButtonDef> ButtonsOf(int flags) {
     switch (Msg::Buttons(flags)) {
-    case Msg::OkCancel: return {{QMessageBox::Ok, Msg::Ok}, {QMessageBox::Cancel, Msg::Cancel}};
+    case Msg::OkCancel:
+        return {{QMessageBox::Ok, Msg::Ok}, {QMessageBox::Cancel, Msg::Cancel}};
     case Msg::AbortRetryIgnore:
-        return {{QMessageBox::Abort, Msg::Abort}, {QMessageBox::Retry, Msg::Retry}, {QMessageBox::Ignore, Msg::Ignore}};
-    case Msg::YesNoCancel: return {{QMessageBox::Yes, Msg::Yes}, {QMessageBox::No, Msg::No}, {QMessageBox::Cancel, Msg::Cancel}};
-    case Msg::YesNo: return {{QMessageBox::Yes, Msg::Yes}, {QMessageBox::No, Msg::No}};
-    case Msg::RetryCancel: return {{QMessageBox::Retry, Msg::Retry}, {QMessageBox::Cancel, Msg::Cancel}};
-    default: return {{QMessageBox::Ok, Msg::Ok}};
+        return {{QMessageBox::Abort, Msg::Abort},
+                {QMessageBox::Retry, Msg::Retry},
+                {QMessageBox::Ignore, Msg::Ignore}};
+    case Msg::YesNoCancel:
+        return {{QMessageBox::Yes, Msg::Yes}, {QMessageBox::No, Msg::No}, {QMessageBox::Cancel, Msg::Cancel}};
+    case Msg::YesNo:
+        return {{QMessageBox::Yes, Msg::Yes}, {QMessageBox::No, Msg::No}};
+    case Msg::RetryCancel:
+        return {{QMessageBox::Retry, Msg::Retry}, {QMessageBox::Cancel, Msg::Cancel}};
+    default:
+        return {{QMessageBox::Ok, Msg::Ok}};
     }
 }
 
 QMessageBox::Icon IconOf(int flags) {
     switch (Msg::Icon(flags)) {
-    case Msg::Critical: return QMessageBox::Critical;
-    case Msg::Question: return QMessageBox::Question;
-    case Msg::Exclamation: return QMessageBox::Warning;
-    case Msg::Information: return QMessageBox::Information;
-    default: return QMessageBox::NoIcon;
+    case Msg::Critical:
+        return QMessageBox::Critical;
+    case Msg::Question:
+        return QMessageBox::Question;
+    case Msg::Exclamation:
+        return QMessageBox::Warning;
+    case Msg::Information:
+        return QMessageBox::Information;
+    default:
+        return QMessageBox::NoIcon;
     }
 }
 
 // German captions for the standard buttons.
 QString GermanText(QMessageBox::StandardButton b) {
     switch (b) {
-    case QMessageBox::Ok: return QStringLiteral("OK");
-    case QMessageBox::Cancel: return QStringLiteral("Abbrechen");
-    case QMessageBox::Yes: return QStringLiteral("&Ja");
-    case QMessageBox::No: return QStringLiteral("&Nein");
-    case QMessageBox::Retry: return QStringLiteral("&Wiederholen");
-    case QMessageBox::Abort: return QStringLiteral("&Abbrechen");
-    case QMessageBox::Ignore: return QStringLiteral("&Ignorieren");
-    default: return {};
+    case QMessageBox::Ok:
+        return QStringLiteral("OK");
+    case QMessageBox::Cancel:
+        return QStringLiteral("Abbrechen");
+    case QMessageBox::Yes:
+        return QStringLiteral("&Ja");
+    case QMessageBox::No:
+        return QStringLiteral("&Nein");
+    case QMessageBox::Retry:
+        return QStringLiteral("&Wiederholen");
+    case QMessageBox::Abort:
+        return QStringLiteral("&Abbrechen");
+    case QMessageBox::Ignore:
+        return QStringLiteral("&Ignorieren");
+    default:
+        return {};
     }
 }
 
@@ -83,7 +103,8 @@ int QtDialogs::MsgBox(const QString& text, int flags, const QString& title) {
     return defs.last().result;
 }
 
-std::optional<QString> QtDialogs::InputBox(const QString& prompt, const QString& title, const QString& defaultText) {
+std::optional<QString> QtDialogs::InputBox(const QString& prompt, const QString& title,
+                                           const QString& defaultText) {
     bool ok = false;
     const QString text = QInputDialog::getText(parent_, title.isEmpty() ? ProgramTitle() : title, prompt,
                                                QLineEdit::Normal, defaultText, &ok);
@@ -130,8 +151,10 @@ int QtDialogs::SelectColor(int initial, bool fullOpen) {
 }
 
 void QtDialogs::SetBusy(bool busy) {
-    if (busy) QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    else QGuiApplication::restoreOverrideCursor();
+    if (busy)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QGuiApplication::restoreOverrideCursor();
 }
 
 void QtDialogs::Beep() {

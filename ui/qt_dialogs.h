@@ -19,7 +19,8 @@ public:
     void SetParent(QWidget* parent) { parent_ = parent; }
 
     int MsgBox(const QString& text, int flags, const QString& title) override;
-    std::optional<QString> InputBox(const QString& prompt, const QString& title, const QString& defaultText) override;
+    std::optional<QString> InputBox(const QString& prompt, const QString& title,
+                                    const QString& defaultText) override;
     QString OpenDialog(const QString& filter, const QString& title, const QString& startFolder) override;
     QString SaveDialog(const QString& filter, const QString& title, const QString& startFolder) override;
     QString BrowseFolder(const QString& title, const QString& startFolder) override;
