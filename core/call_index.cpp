@@ -52,10 +52,10 @@ QString DupeWarningText(const Model& m, const QTime& recordTime) {
 }
 
 DupeVerdict CallExistTest(const Model& m, const QString& call, int band, const QString& mode,
-                          const QTime& entryTime) {
+                          const std::optional<QTime>& entryTime) {
     DupeVerdict v;
     const QString key = IndexKey(call);
-    const bool entryPm = !(entryTime < m.MittagsGrenze);
+    const bool entryPm = entryTime && !(*entryTime < m.MittagsGrenze);
     const int noon = m.MittagsGrenze.msecsSinceStartOfDay() / 1000;
     qsizetype hit = m.CallIndex.indexOf(key);
     while (hit >= 0) {
@@ -66,7 +66,7 @@ DupeVerdict CallExistTest(const Model& m, const QString& call, int band, const Q
         v.found = true;
         v.bezirk = r.Bezirk;
         const auto secs = m.Formats.TimeSeconds(r.Zeit);
-        const bool samePeriod = secs && (entryPm ? *secs > noon : *secs < noon);
+        const bool samePeriod = entryTime && secs && (entryPm ? *secs > noon : *secs < noon);
         if (r.Call == call && r.Band == band && r.Mode == mode && samePeriod && r.Status != Status::Dupe &&
             r.Status > Status::Deleted) {
             v.isDupe = true;

@@ -40,8 +40,10 @@ struct DupeVerdict {
 
 // The contest's rule: one contact per call, band, mode and period. A stored dupe and a
 // deleted record never make a dupe; a record at exactly 12:00:00 is in neither period.
+// Without an entry time (the time field cannot be read) nothing is a dupe, but the
+// records are still visited for the district.
 DupeVerdict CallExistTest(const Model& m, const QString& call, int band, const QString& mode,
-                          const QTime& entryTime);
+                          const std::optional<QTime>& entryTime);
 
 // "Station bereits um <short time> Uhr gearbeitet!"
 QString DupeWarningText(const Model& m, const QTime& recordTime);

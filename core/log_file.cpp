@@ -255,47 +255,32 @@ QString HeaderText(const LogHeader& h) {
 }
 
 QString ContactLine(const QsoRecord& r) {
-    const QChar p = kPilcrow;
+    // The nineteen file fields in their order; the record's own running number is not among them.
+    const QString fields[] = {r.Call,
+                              QString::number(r.Band),
+                              r.Bezirk,
+                              r.Datum,
+                              r.Zeit,
+                              r.RstGesendet,
+                              r.RstEmpfangen,
+                              QString::number(r.Qsl),
+                              r.Mode,
+                              r.ModeRx,
+                              QString::number(r.Status),
+                              r.Operator,
+                              r.Bemerkung,
+                              r.BandRx,
+                              FloatText(r.Frequenz),
+                              FloatText(r.FrequenzRx),
+                              r.Reserve1,
+                              r.Reserve2,
+                              r.Reserve3};
     QString s;
     s.reserve(96 + r.Bemerkung.size());
-    s += r.Call;
-    s += p;
-    s += QString::number(r.Band);
-    s += p;
-    s += r.Bezirk;
-    s += p;
-    s += r.Datum;
-    s += p;
-    s += r.Zeit;
-    s += p;
-    s += r.RstGesendet;
-    s += p;
-    s += r.RstEmpfangen;
-    s += p;
-    s += QString::number(r.Qsl);
-    s += p;
-    s += r.Mode;
-    s += p;
-    s += r.ModeRx;
-    s += p;
-    s += QString::number(r.Status);
-    s += p;
-    s += r.Operator;
-    s += p;
-    s += r.Bemerkung;
-    s += p;
-    s += r.BandRx;
-    s += p;
-    s += FloatText(r.Frequenz);
-    s += p;
-    s += FloatText(r.FrequenzRx);
-    s += p;
-    s += r.Reserve1;
-    s += p;
-    s += r.Reserve2;
-    s += p;
-    s += r.Reserve3;
-    s += p;
+    for (const QString& f : fields) {
+        s += f;
+        s += kPilcrow;
+    }
     s += kLineEnd;
     return s;
 }

@@ -177,17 +177,7 @@ CheckLook Check1Look(int value) {
 CallCheck CheckCall(const Model& m, const QString& call, int band, const QString& mode,
                     const std::optional<QTime>& entryTime) {
     CallCheck c;
-    if (!entryTime) {
-        // No time to decide a period: only the district of the last contact with the call.
-        const qsizetype hit = m.CallIndex.lastIndexOf(IndexKey(call));
-        if (hit < 0) return c;
-        const CallIndexEntry e = ParseIndexEntry(m.CallIndex, hit + 1);
-        if (e.Call != call || e.RecordIndex < 0 || size_t(e.RecordIndex) >= m.LogRecords.size()) return c;
-        c.found = true;
-        c.bezirk = m.LogRecords[size_t(e.RecordIndex)].Bezirk;
-        return c;
-    }
-    const DupeVerdict v = CallExistTest(m, call, band, mode, *entryTime);
+    const DupeVerdict v = CallExistTest(m, call, band, mode, entryTime);
     c.found = v.found;
     c.bezirk = v.bezirk;
     c.isDupe = v.isDupe;

@@ -171,6 +171,18 @@ private slots:
         QCOMPARE(v.bezirk, QStringLiteral("MD"));
     }
 
+    void withoutAnEntryTimeNothingIsADupeButTheDistrictFills() {
+        Add(m, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QStringLiteral("05:10:00"), 0,
+                   QStringLiteral("WI")));
+        Add(m, Rec(QStringLiteral("OE1AB"), 80, QStringLiteral("SSB"), QStringLiteral("06:10:00"), 0,
+                   QStringLiteral("MD")));
+        const DupeVerdict v =
+            CallExistTest(m, QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), std::nullopt);
+        QVERIFY(!v.isDupe);
+        QVERIFY(v.found);
+        QCOMPARE(v.bezirk, QStringLiteral("MD"));
+    }
+
     void firstRecordInIndexOrderNamesTheTime() {
         Add(m, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QStringLiteral("07:00:00")));
         Add(m, Rec(QStringLiteral("OE1AB"), 40, QStringLiteral("SSB"), QStringLiteral("05:00:00")));
