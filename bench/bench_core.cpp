@@ -98,8 +98,8 @@ int main(int argc, char** argv) {
         std::printf("Logs in %s\n", qPrintable(dir.path()));
     }
     std::vector<std::pair<int, LoadFigures>> loadTable;
-    std::printf("%-8s %10s %10s %19s %10s %12s\n", "QSOs", "rebuild", "write+fs", "atomic (ratio)", "enc+atomic",
-                "dupe-miss");
+    std::printf("%-8s %10s %10s %19s %10s %12s\n", "QSOs", "rebuild", "write+fs", "atomic (ratio)",
+                "enc+atomic", "dupe-miss");
     for (const int count : {1000, 10000, 100000}) {
         Model m;
         m.SetLocale(QLocale(QLocale::German, QLocale::Austria));
@@ -140,9 +140,9 @@ int main(int argc, char** argv) {
     std::printf("%-8s %10s %10s %6s %10s %10s %6s %12s %12s\n", "QSOs", "read cold", "load cold", "ratio",
                 "read warm", "load warm", "ratio", "empty recs", "read+scan");
     for (const auto& [count, f] : loadTable)
-        std::printf("%-8d %8.2fms %8.2fms %5.2fx %8.2fms %8.2fms %5.2fx %10.2fms %10.2fms\n", count, f.readCold,
-                    f.loadCold, f.loadCold / f.readCold, f.readWarm, f.loadWarm, f.loadWarm / f.readWarm,
-                    f.emptyRecords, f.readScan);
+        std::printf("%-8d %8.2fms %8.2fms %5.2fx %8.2fms %8.2fms %5.2fx %10.2fms %10.2fms\n", count,
+                    f.readCold, f.loadCold, f.loadCold / f.readCold, f.readWarm, f.loadWarm,
+                    f.loadWarm / f.readWarm, f.emptyRecords, f.readScan);
     std::printf("'empty recs': that many default records alone; 'read+scan': read, decode and find every\n"
                 "separator, nothing built. No load that builds these records can be faster than either.\n");
     std::printf(
