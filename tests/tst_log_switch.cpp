@@ -41,6 +41,17 @@ QsoRecord Contact(const QString& call, const QString& datum, const QString& bezi
     return r;
 }
 
+// A file reader that counts how often it was asked.
+struct CountingReader {
+    int reads = 0;
+    FileReader Reader() {
+        return [this](const QString& path, bool* ok) {
+            ++reads;
+            return ReadFileDefault(path, ok);
+        };
+    }
+};
+
 // What the main window was told, in order.
 struct Recorder {
     QStringList calls;
@@ -116,13 +127,9 @@ private slots:
             many.push_back(Contact(QStringLiteral("OE3A%1").arg(i), datum));
         e.MakeLog(QStringLiteral("A.KOLBO"), many);
         e.SetLast(QStringLiteral("A.KOLBO"));
-        int reads = 0;
-        const FileReader counting = [&](const QString& path, bool* ok) {
-            ++reads;
-            return ReadFileDefault(path, ok);
-        };
-        QCOMPARE(int(SameDayWarning(e.m, e.d, e.clock, nullptr, counting)), int(SameDay::NoWarning));
-        QCOMPARE(reads, 0);
+        CountingReader counting;
+        QCOMPARE(int(SameDayWarning(e.m, e.d, e.clock, nullptr, counting.Reader())), int(SameDay::NoWarning));
+        QCOMPARE(counting.reads, 0);
         QVERIFY(e.d.boxes.isEmpty());
     }
 
@@ -133,13 +140,9 @@ private slots:
                   {Contact(QStringLiteral("OE3ABC"), QStringLiteral("01.05.2025")),
                    Contact(QStringLiteral("OE3ABD"), QStringLiteral("30.04.2026"))});
         e.SetLast(QStringLiteral("A.KOLBO"));
-        int reads = 0;
-        const FileReader counting = [&](const QString& path, bool* ok) {
-            ++reads;
-            return ReadFileDefault(path, ok);
-        };
-        QCOMPARE(int(SameDayWarning(e.m, e.d, e.clock, nullptr, counting)), int(SameDay::NoWarning));
-        QCOMPARE(reads, 1);
+        CountingReader counting;
+        QCOMPARE(int(SameDayWarning(e.m, e.d, e.clock, nullptr, counting.Reader())), int(SameDay::NoWarning));
+        QCOMPARE(counting.reads, 1);
         QVERIFY(e.d.boxes.isEmpty());
     }
 

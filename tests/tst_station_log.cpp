@@ -72,6 +72,17 @@ void FillValid(StationLog& s, const QString& call = QStringLiteral("OE1ABC")) {
     Get<QLabel>(s, QStringLiteral("Label10"))->setText(QStringLiteral("NEU.KOLBO"));
 }
 
+// The form the checks see when every field would pass; tests break one field at a time.
+StationForm ValidForm(const QString& call = QStringLiteral("OE1ABC")) {
+    StationForm f;
+    f.text1 = call;
+    f.combo5Text = QStringLiteral("OE1ABC");
+    f.combo1Text = QStringLiteral("WI - Wien");
+    f.text6 = QStringLiteral("a@b.at");
+    f.label10 = QStringLiteral("X.KOLBO");
+    return f;
+}
+
 QsoRecord Contact(int i) {
     static const char* const calls[] = {"OE3ABC", "OE6XYZ", "OEY21", "OE1W", "OE8KLM"};
     static const char* const bz[] = {"WI", "MD", "GZ", "ZZ", "WI"};
@@ -290,13 +301,8 @@ private slots:
         QFETCH(int, klasse);
         QFETCH(QString, box);
         Env e;
-        StationForm f;
-        f.text1 = call;
+        StationForm f = ValidForm(call);
         f.option2 = klasse;
-        f.combo5Text = QStringLiteral("OE1ABC");
-        f.combo1Text = QStringLiteral("WI - Wien");
-        f.text6 = QStringLiteral("a@b.at");
-        f.label10 = QStringLiteral("X.KOLBO");
         Focus focus = Focus::None;
         const bool ok = Validate(e.m, e.d, e.clock, f, &focus);
         QCOMPARE(ok, box.isEmpty());
@@ -333,13 +339,10 @@ private slots:
         QFETCH(QString, box);
         QFETCH(int, focus);
         Env e;
-        StationForm f;
-        f.text1 = QStringLiteral("OE1ABC");
-        f.combo5Text =
-            broken == QLatin1String("operator") ? QStringLiteral(" OE ") : QStringLiteral("OE1ABC");
-        f.combo1Text = broken == QLatin1String("district") ? QString() : QStringLiteral("WI - Wien");
-        f.text6 = broken == QLatin1String("mail") ? QStringLiteral("keine") : QStringLiteral("a@b.at");
-        f.label10 = QStringLiteral("X.KOLBO");
+        StationForm f = ValidForm();
+        if (broken == QLatin1String("operator")) f.combo5Text = QStringLiteral(" OE ");
+        if (broken == QLatin1String("district")) f.combo1Text.clear();
+        if (broken == QLatin1String("mail")) f.text6 = QStringLiteral("keine");
         if (broken.startsWith(QLatin1String("exam"))) {
             ClickOption2(f, 3);
             f.combo2Text = QStringLiteral("31");
@@ -356,11 +359,8 @@ private slots:
 
     void noMailAnsweredNoGoesOn() {
         Env e;
-        StationForm f;
-        f.text1 = QStringLiteral("OE1ABC");
-        f.combo5Text = QStringLiteral("OE1ABC");
-        f.combo1Text = QStringLiteral("WI - Wien");
-        f.label10 = QStringLiteral("X.KOLBO");
+        StationForm f = ValidForm();
+        f.text6.clear(); // no mail address
         e.d.AnswerMsgBox(Msg::No);
         Focus got = Focus::None;
         QVERIFY(Validate(e.m, e.d, e.clock, f, &got));
@@ -368,11 +368,8 @@ private slots:
 
     void noFileNameAsksForOne() {
         Env e;
-        StationForm f;
-        f.text1 = QStringLiteral("oe1abc/p");
-        f.combo5Text = QStringLiteral("OE1ABC");
-        f.combo1Text = QStringLiteral("WI - Wien");
-        f.text6 = QStringLiteral("a@b.at");
+        StationForm f = ValidForm(QStringLiteral("oe1abc/p"));
+        f.label10.clear(); // no file name yet
         e.d.AnswerInput(QStringLiteral("MEIN/LOG"));
         Focus got = Focus::None;
         QVERIFY(!Validate(e.m, e.d, e.clock, f, &got));
