@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -145,7 +146,14 @@ int main(int argc, char** argv) {
                     f.loadWarm / f.readWarm, f.emptyRecords, f.readScan);
     std::printf("'empty recs': that many default records alone; 'read+scan': read, decode and find every\n"
                 "separator, nothing built. No load that builds these records can be faster than either.\n");
-    std::printf(
-        "Ziele: Laden (100.000) <= 3x Lesen+Dekodieren; Schreiben <= 1,5x write+fsync; Dupe-Suche < 1 ms\n");
+    // The load target: 100,000 contacts under 150 ms on the development machine, cold
+    // and warm alike; the floors above show how near the record layout lets it come.
+    for (const auto& [count, f] : loadTable) {
+        if (count != 100000) continue;
+        const double worst = std::max(f.loadCold, f.loadWarm);
+        std::printf("Ziel Laden: 100.000 Kontakte unter 150 ms: %.1f ms (kalt %.1f, warm %.1f) - %s\n", worst,
+                    f.loadCold, f.loadWarm, worst < 150.0 ? "erreicht" : "VERFEHLT");
+    }
+    std::printf("Ziele: Schreiben <= 1,5x write+fsync; Dupe-Suche < 1 ms\n");
     return 0;
 }

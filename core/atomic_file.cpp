@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace kolibrino {
@@ -38,16 +39,41 @@ private:
 
 } // namespace
 
+// The file a write of path lands in: a symbolic link is followed to its target (the
+// operator's link stays a link), however many links deep.
+QString WriteTarget(const QString& path) {
+    QFileInfo info(path);
+    for (int depth = 0; depth < 40 && info.isSymLink(); ++depth) {
+        const QString next = info.symLinkTarget();
+        if (next.isEmpty()) break;
+        info = QFileInfo(next);
+    }
+    return info.absoluteFilePath();
+}
+
 QString WriteFileAtomic(const QString& path, const QByteArray& bytes) {
-    const QFileInfo info(path);
+    const QFileInfo info(WriteTarget(path));
     const QString dir = info.absolutePath();
     const QByteArray tmp =
         QFile::encodeName(dir + QStringLiteral("/.") + info.fileName() + QStringLiteral(".tmp"));
     const QByteArray target = QFile::encodeName(info.absoluteFilePath());
+    // The new file keeps the mode of the one it replaces; a read-only file is refused.
+    mode_t mode = 0644;
+    struct stat old {};
+    if (::stat(target.constData(), &old) == 0) {
+        mode = old.st_mode & 07777;
+        if ((mode & 0222) == 0 || (::geteuid() != 0 && ::access(target.constData(), W_OK) != 0))
+            return SysError(QStringLiteral("Datei ist schreibgeschützt:"), path, EACCES);
+    }
     {
-        Fd fd(::open(tmp.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+        Fd fd(::open(tmp.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
         if (fd.get() < 0)
             return SysError(QStringLiteral("Datei kann nicht geschrieben werden:"), path, errno);
+        if (::fchmod(fd.get(), mode) != 0) {
+            const int err = errno;
+            ::unlink(tmp.constData());
+            return SysError(QStringLiteral("Datei kann nicht geschrieben werden:"), path, err);
+        }
         const char* p = bytes.constData();
         qsizetype left = bytes.size();
         while (left > 0) {
@@ -92,6 +118,13 @@ QByteArray ReadWholeFile(const QString& path, bool* ok, QString* error) {
         return {};
     }
     QByteArray data = f.readAll();
+    if (f.error() != QFileDevice::NoError) { // an I/O error part way: nothing half read counts
+        if (ok) *ok = false;
+        if (error)
+            *error = QStringLiteral("Datei kann nicht gelesen werden: %1 (%2)")
+                         .arg(QDir::toNativeSeparators(path), f.errorString());
+        return {};
+    }
     if (ok) *ok = true;
     return data;
 }

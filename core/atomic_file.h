@@ -13,7 +13,11 @@
 
 namespace kolibrino {
 
+// A symbolic link is written through to its target, which keeps its file mode; a file
+// without any write permission is refused (the error text says so).
 QString WriteFileAtomic(const QString& path, const QByteArray& bytes);
+// The file a write of path replaces: path itself, or the target its links lead to.
+QString WriteTarget(const QString& path);
 // Reads a whole file; nullopt-like: ok=false and the error text when it cannot.
 QByteArray ReadWholeFile(const QString& path, bool* ok = nullptr, QString* error = nullptr);
 bool FileExists(const QString& path);

@@ -1,6 +1,7 @@
 #include "core/backup.h"
 
 #include "core/atomic_file.h"
+#include "core/paths.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -10,7 +11,11 @@ namespace kolibrino {
 
 double DriveFreeBytes(const QString& path) {
     const QFileInfo fi(path);
-    const QString folder = fi.isDir() ? fi.absoluteFilePath() : fi.absolutePath();
+    QString folder = fi.isDir() ? fi.absoluteFilePath() : fi.absolutePath();
+    // A folder that is missing while its parent is there lies on a drive that is ready:
+    // the folder is the problem, which the backup tells apart. Deeper gaps (a stick's
+    // mount point gone with it) are a drive that is not there.
+    if (!FolderExists(folder)) folder = QFileInfo(folder).absolutePath();
     if (!FolderExists(folder)) return -1;
     struct statvfs st {};
     if (::statvfs(QFile::encodeName(folder).constData(), &st) != 0) return -1;
@@ -33,6 +38,13 @@ void BackupFile(Dialogs& dialogs, const QString& source, const QString& target,
     }
     // The operator's folder must still be there; with none set, the regular backup goes on.
     if (!extraBackupPath.isEmpty() && !FolderExists(extraBackupPath)) {
+        dialogs.MsgBox(QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"),
+                       Msg::Information);
+        return;
+    }
+    // Never into the folder of the log itself, however spelled: the ".ALT" rename would
+    // take the live log away.
+    if (SameFolder(QFileInfo(source).absolutePath(), QFileInfo(target).absolutePath())) {
         dialogs.MsgBox(QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"),
                        Msg::Information);
         return;

@@ -61,7 +61,10 @@ DupeVerdict CallExistTest(const Model& m, const QString& call, int band, const Q
     while (hit >= 0) {
         const CallIndexEntry e = ParseIndexEntry(m.CallIndex, hit + 1);
         if (e.Call != call) break;
-        if (e.RecordIndex < 0 || size_t(e.RecordIndex) >= m.LogRecords.size()) break;
+        if (e.RecordIndex < 0 || size_t(e.RecordIndex) >= m.LogRecords.size()) {
+            v.error = kIndexOutOfRange;
+            return v;
+        }
         const QsoRecord& r = m.LogRecords[size_t(e.RecordIndex)];
         v.found = true;
         v.bezirk = r.Bezirk;

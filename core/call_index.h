@@ -1,7 +1,9 @@
 // The call index: one text "¶" call "×" array index "¶" ... beside the records, so
 // that finding a call is one substring search, never a walk of the records.
 //
-// Window thread only. Pure look-ups; a record index outside the records is ignored.
+// Window thread only. Pure look-ups. An entry whose record index lies outside the
+// records (a damaged index, or a call holding "×" read from a file) is an error the
+// look-up reports in DupeVerdict::error, for the caller's "FEHLER" path.
 #pragma once
 
 #include "core/log_model.h"
@@ -36,7 +38,11 @@ struct DupeVerdict {
     QString bezirk;                // district of the last record visited (fills the district box)
     std::optional<QTime> dupeTime; // time of the record that makes the dupe
     int dupeRecord = -1;
+    QString error; // not empty: the walk met an entry outside the records and stopped
 };
+
+// The error of an index entry outside the records.
+inline const QString kIndexOutOfRange = QStringLiteral("Index außerhalb des gültigen Bereichs");
 
 // The contest's rule: one contact per call, band, mode and period. A stored dupe and a
 // deleted record never make a dupe; a record at exactly 12:00:00 is in neither period.

@@ -5,6 +5,7 @@
 #include "core/clock.h"
 #include "core/cp1252.h"
 #include "core/error_trap.h"
+#include "core/storable_text.h"
 #include "core/vb_text.h"
 
 #include <QDir>
@@ -246,7 +247,11 @@ QString IdentificationLine(int year) {
 QString HeaderText(const LogHeader& h) {
     QString out;
     for (const TagDef& def : kTags) {
-        const QString value = def.text ? h.*def.text : QString::number(h.*def.number);
+        // The length counts the bytes the file will hold: a character the code page
+        // cannot take is stored as one "?" and counted so.
+        // A tag text inside a value (only a damaged file brings one) is made harmless.
+        const QString value =
+            def.text ? WithoutTagText(Cp1252Clean(h.*def.text)) : QString::number(h.*def.number);
         out += QString::fromLatin1(def.tag) + QString::number(value.size()) + QLatin1Char(']') + value +
                kLineEnd;
     }
@@ -416,7 +421,15 @@ int LoadBezirkTable(Model& m, Dialogs& dialogs, const QString& path) {
         bytes = ReadWholeFile(path, &ok, &err);
         return ok ? QString() : err;
     });
-    if (opened) {
+    if (opened) return ParseBezirkTable(m, dialogs, bytes);
+    m.BezirkIndex.clear(); // nothing read: the index is all blanks, cut away
+    return 0;
+}
+
+int ParseBezirkTable(Model& m, Dialogs& dialogs, const QByteArray& bytes) {
+    m.BezirkIndex = QString(600, QLatin1Char(' '));
+    m.BezirkRecords.clear();
+    {
         const QStringList lines = InputLines(FromCp1252(bytes));
         for (const QString& line : lines) {
             if (m.BezirkRecords.empty()) m.BezirkRecords.resize(1);

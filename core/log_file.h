@@ -58,6 +58,8 @@ void RaiseGruppeBandCount(Model& m, int gruppe, int band);
 // keeps what was read so far. Returns the number of districts read.
 int LoadBezirkTable(Model& m, Dialogs& dialogs);
 int LoadBezirkTable(Model& m, Dialogs& dialogs, const QString& path);
+// The same read on the file's bytes (a line that cannot be read still shows its box).
+int ParseBezirkTable(Model& m, Dialogs& dialogs, const QByteArray& bytes);
 // Element number of a district code, 0 when unknown (position / 3 in BezirkIndex).
 int BezirkNumber(const Model& m, const QString& code);
 

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QtGlobal>
+#include <sys/stat.h>
 
 namespace kolibrino {
 namespace {
@@ -22,7 +23,28 @@ bool EnsureFolder(const QString& path, QString* error) {
     return false;
 }
 
+QString Cleaned(const QString& path) {
+    return QDir::cleanPath(QDir(path).absolutePath());
+}
+
 } // namespace
+
+bool SameFolder(const QString& a, const QString& b) {
+    if (a.isEmpty() || b.isEmpty()) return false;
+    if (Cleaned(a).compare(Cleaned(b), Qt::CaseInsensitive) == 0) return true;
+    const QString ca = QFileInfo(a).canonicalFilePath();
+    const QString cb = QFileInfo(b).canonicalFilePath();
+    if (!ca.isEmpty() && ca.compare(cb, Qt::CaseInsensitive) == 0) return true;
+    struct stat sa {
+    }, sb{};
+    return ::stat(QFile::encodeName(a).constData(), &sa) == 0 &&
+           ::stat(QFile::encodeName(b).constData(), &sb) == 0 && sa.st_dev == sb.st_dev &&
+           sa.st_ino == sb.st_ino;
+}
+
+bool IsLogOrBackupFolder(const Model& m, const QString& folder) {
+    return SameFolder(folder, m.LogFolder) || SameFolder(folder, m.BackupFolder);
+}
 
 void IniStartup(Model& m, const QString& appFolder) {
     m.AppFolder = WithSlash(appFolder);

@@ -23,6 +23,15 @@ bool SetupFolders(Model& m, QString* error = nullptr);
 // Copies the shipped data files into DataFolder when missing there. Returns the
 // names copied.
 QStringList CopyShippedData(const Model& m);
+// Whether two paths name the same folder, however spelled: after cleaning ("./",
+// "..", repeated and trailing slashes), without regard to case (a stick's file system
+// ignores it), by canonical path (symbolic links followed) and by the file system's
+// identity of the folder (device and inode).
+bool SameFolder(const QString& a, const QString& b);
+// Logs/ or Sicherung/ of DataFolder, however spelled: never a folder for the
+// operator's additional backup.
+bool IsLogOrBackupFolder(const Model& m, const QString& folder);
+
 // Where the shipped data lie: beside the executable ("data/"), installed
 // ("../share/kolibrino/") or the source tree of a developer build.
 QString ShippedDataFolder(const Model& m);

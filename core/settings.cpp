@@ -3,13 +3,17 @@
 #include "core/atomic_file.h"
 #include "core/cp1252.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 namespace kolibrino {
 namespace {
 
 QString g_defaultIni;
 std::function<void()> g_beep;
+std::function<void(const QString&)> g_refused;
+bool g_refusedTold = false;
 
 void Beep() {
     if (g_beep) g_beep();
@@ -25,11 +29,8 @@ struct Profile {
     bool existed = false;
 };
 
-Profile ReadProfile(const QString& path) {
+Profile ParseProfile(const QByteArray& bytes) {
     Profile p;
-    bool ok = false;
-    const QByteArray bytes = ReadWholeFile(path, &ok);
-    if (!ok) return p;
     p.existed = true;
     QString text = FromCp1252(bytes);
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
@@ -39,11 +40,44 @@ Profile ReadProfile(const QString& path) {
     return p;
 }
 
-void WriteProfile(const QString& path, const QStringList& lines) {
+Profile ReadProfile(const QString& path) {
+    bool ok = false;
+    const QByteArray bytes = ReadWholeFile(path, &ok);
+    if (!ok) return {};
+    return ParseProfile(bytes);
+}
+
+// The profile a write starts from. False when the file is there but cannot be read:
+// writing then would replace every setting with the one key, so the write is refused
+// and the operator told, once.
+bool ReadForWrite(const QString& path, Profile* p) {
+    const QFileInfo info(path);
+    if (!info.exists() && !info.isSymLink()) {
+        *p = Profile();
+        return true;
+    }
+    bool ok = false;
+    const QByteArray bytes = ReadWholeFile(path, &ok);
+    if (ok) {
+        *p = ParseProfile(bytes);
+        return true;
+    }
+    if (!g_refusedTold && g_refused) {
+        g_refusedTold = true;
+        g_refused(IniWriteRefusedText(path));
+    }
+    return false;
+}
+
+QByteArray ProfileBytes(const QStringList& lines) {
     QString text;
     for (const QString& l : lines)
         text += l + QStringLiteral("\r\n");
-    WriteFileAtomic(path, ToCp1252(text)); // failures are not reported, as ever
+    return ToCp1252(text);
+}
+
+void WriteProfile(const QString& path, const QStringList& lines) {
+    WriteFileAtomic(path, ProfileBytes(lines)); // failures are not reported, as ever
 }
 
 // Name of a section header line, or the null text when the line is none.
@@ -94,7 +128,60 @@ qsizetype InsertPoint(const QStringList& lines, qsizetype begin, qsizetype end) 
     return at;
 }
 
+QString KeyValue(const Profile& p, const QString& section, const QString& key) {
+    qsizetype b = 0, e = 0;
+    if (!FindSection(p.lines, section, &b, &e)) return {};
+    for (qsizetype i = b + 1; i < e; ++i) {
+        QString k, v;
+        if (SplitKey(p.lines[i], &k, &v) && SameName(k, key)) return v;
+    }
+    return {};
+}
+
+void SetKey(Profile& p, const QString& section, const QString& key, const QString& value) {
+    const QString line = key + QLatin1Char('=') + value;
+    qsizetype b = 0, e = 0;
+    if (!FindSection(p.lines, section, &b, &e)) {
+        p.lines << QLatin1Char('[') + section.toUpper() + QLatin1Char(']') << line;
+        return;
+    }
+    for (qsizetype i = b + 1; i < e; ++i) {
+        QString k, v;
+        if (SplitKey(p.lines[i], &k, &v) && SameName(k, key)) {
+            p.lines[i] = line;
+            return;
+        }
+    }
+    p.lines.insert(InsertPoint(p.lines, b, e), line);
+}
+
+QStringList SectionLines(const Profile& p, const QString& section) {
+    qsizetype b = 0, e = 0;
+    QStringList found;
+    if (!FindSection(p.lines, section, &b, &e)) return found;
+    for (qsizetype i = b + 1; i < e; ++i) {
+        const QString t = p.lines[i].trimmed();
+        if (!t.isEmpty()) found << t;
+    }
+    return found;
+}
+
 } // namespace
+
+QString ProfileReadString(const QByteArray& bytes, const QString& section, const QString& key) {
+    return KeyValue(ParseProfile(bytes), section, key);
+}
+
+QStringList ProfileReadSection(const QByteArray& bytes, const QString& section) {
+    return SectionLines(ParseProfile(bytes), section);
+}
+
+QByteArray ProfileWrite(const QByteArray& bytes, const QString& section, const QString& key,
+                        const QString& value) {
+    Profile p = ParseProfile(bytes);
+    SetKey(p, section, key, value);
+    return ProfileBytes(p.lines);
+}
 
 void SetDefaultIniPath(const QString& path) {
     g_defaultIni = path;
@@ -104,6 +191,15 @@ QString DefaultIniPath() {
 }
 void SetIniBeepHandler(std::function<void()> beep) {
     g_beep = std::move(beep);
+}
+void SetIniWriteRefusedHandler(std::function<void(const QString&)> tell) {
+    g_refused = std::move(tell);
+    g_refusedTold = false;
+}
+QString IniWriteRefusedText(const QString& path) {
+    return QStringLiteral("Die Einstellungen können nicht gespeichert werden!\r\n\r\nDie Datei\r\n%1\r\n"
+                          "kann nicht gelesen werden und bleibt unverändert.")
+        .arg(QDir::toNativeSeparators(path));
 }
 
 int ProfileInt(const QString& value) {
@@ -128,14 +224,7 @@ QString IniReadString(const QString& file, const QString& section, const QString
         Beep();
         return {};
     }
-    const Profile p = ReadProfile(path);
-    qsizetype b = 0, e = 0;
-    if (!FindSection(p.lines, section, &b, &e)) return {};
-    for (qsizetype i = b + 1; i < e; ++i) {
-        QString k, v;
-        if (SplitKey(p.lines[i], &k, &v) && SameName(k, key)) return v;
-    }
-    return {};
+    return KeyValue(ReadProfile(path), section, key);
 }
 
 double IniReadInt(const QString& file, const QString& section, const QString& key) {
@@ -148,23 +237,9 @@ void IniWrite(const QString& file, const QString& section, const QString& key, c
         Beep();
         return;
     }
-    Profile p = ReadProfile(path);
-    const QString line = key + QLatin1Char('=') + value;
-    qsizetype b = 0, e = 0;
-    if (!FindSection(p.lines, section, &b, &e)) {
-        p.lines << QLatin1Char('[') + section.toUpper() + QLatin1Char(']') << line;
-        WriteProfile(path, p.lines);
-        return;
-    }
-    for (qsizetype i = b + 1; i < e; ++i) {
-        QString k, v;
-        if (SplitKey(p.lines[i], &k, &v) && SameName(k, key)) {
-            p.lines[i] = line;
-            WriteProfile(path, p.lines);
-            return;
-        }
-    }
-    p.lines.insert(InsertPoint(p.lines, b, e), line);
+    Profile p;
+    if (!ReadForWrite(path, &p)) return;
+    SetKey(p, section, key, value);
     WriteProfile(path, p.lines);
 }
 
@@ -178,14 +253,7 @@ void IniReadSection(const QString& file, const QString& section, QStringList& li
         Beep();
         return;
     }
-    const Profile p = ReadProfile(path);
-    qsizetype b = 0, e = 0;
-    if (!FindSection(p.lines, section, &b, &e)) return;
-    QStringList found;
-    for (qsizetype i = b + 1; i < e; ++i) {
-        const QString t = p.lines[i].trimmed();
-        if (!t.isEmpty()) found << t;
-    }
+    const QStringList found = SectionLines(ReadProfile(path), section);
     if (!found.isEmpty()) list = found;
 }
 
@@ -195,7 +263,8 @@ void IniWriteSection(const QString& file, const QString& section, const QStringL
         Beep();
         return;
     }
-    Profile p = ReadProfile(path);
+    Profile p;
+    if (!ReadForWrite(path, &p)) return;
     QStringList body;
     for (const QString& l : lines)
         if (!l.trimmed().isEmpty()) body << l.trimmed();
@@ -218,11 +287,35 @@ void IniDeleteSection(const QString& file, const QString& section) {
         Beep();
         return;
     }
-    Profile p = ReadProfile(path);
+    Profile p;
+    if (!ReadForWrite(path, &p)) return;
     qsizetype b = 0, e = 0;
     if (!FindSection(p.lines, section, &b, &e)) return;
     p.lines.remove(b, e - b);
     WriteProfile(path, p.lines);
+}
+
+void IniReplaceSection(const QString& file, const QString& section, const QStringList& lines) {
+    const QString path = Resolve(file);
+    if (path.isEmpty() || section.isEmpty()) {
+        Beep();
+        return;
+    }
+    Profile p;
+    if (!ReadForWrite(path, &p)) return;
+    bool changed = false;
+    qsizetype b = 0, e = 0;
+    if (FindSection(p.lines, section, &b, &e)) {
+        p.lines.remove(b, e - b);
+        changed = true;
+    }
+    if (!lines.isEmpty()) {
+        p.lines << QLatin1Char('[') + section.toUpper() + QLatin1Char(']');
+        for (const QString& l : lines)
+            if (!l.trimmed().isEmpty()) p.lines << l.trimmed();
+        changed = true;
+    }
+    if (changed) WriteProfile(path, p.lines);
 }
 
 } // namespace kolibrino

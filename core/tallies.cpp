@@ -60,9 +60,11 @@ void RebuildTallies(Model& m) {
             else if (r.Band == kBand30)
                 ++b.Anz30;
             RaiseGruppeBandCount(m, b.Gruppe, r.Band);
+            // A contact without a known district is a valid QSO but stands in no
+            // mode or period table after a rebuild (logging counts it there anyway).
+            const auto t = m.Formats.ParseTime(r.Zeit);
+            UpdateCounters(m, r.Band, r.Mode, t.value_or(QTime()), true);
         }
-        const auto t = m.Formats.ParseTime(r.Zeit);
-        UpdateCounters(m, r.Band, r.Mode, t.value_or(QTime()), true);
     }
 }
 

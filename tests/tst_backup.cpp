@@ -56,9 +56,10 @@ private slots:
     }
 
     void removedStickIsNotReady() {
-        const QString gone = P(QStringLiteral("weg/a.KOLBO"));
+        // The stick's mount point went with it: more than the backup folder is missing.
+        const QString gone = P(QStringLiteral("stick-weg/Sicherung/a.KOLBO"));
         QCOMPARE(DriveFreeBytes(gone), -1.0);
-        BackupFile(dialogs, source, gone, P(QStringLiteral("weg/")));
+        BackupFile(dialogs, source, gone, P(QStringLiteral("stick-weg/Sicherung/")));
         QCOMPARE(dialogs.boxes.size(), 1);
         QCOMPARE(dialogs.boxes[0].text, QStringLiteral("Fehler... Sicherungs-Laufwerk nicht bereit!"));
     }

@@ -83,13 +83,15 @@ private slots:
         }
     }
 
-    void clickingLogsInTheTreeWarns() {
+    void openingLogsInTheTreeWarns() {
         Env e;
         SichernEinstellungen w(e.m, e.d);
         w.show();
         auto* tree = w.findChild<QTreeView*>(QStringLiteral("Dir1"));
         auto* fs = qobject_cast<QFileSystemModel*>(tree->model());
         tree->setCurrentIndex(fs->index(NoSlash(e.m.LogFolder)));
+        QVERIFY(e.d.boxes.isEmpty()); // passing over it is no choice
+        QTest::keyClick(tree, Qt::Key_Return);
         QCOMPARE(e.d.boxes.size(), 1);
         QCOMPARE(Text1(w), NoSlash(e.m.DataFolder));
         QCOMPARE(fs->filePath(tree->currentIndex()), NoSlash(e.m.DataFolder));

@@ -116,6 +116,23 @@ private slots:
         IniDeleteSection(ini, QStringLiteral("OPCALLs"));
         QCOMPARE(ReadBytes(ini), QByteArray("[A]\r\nk=1\r\n[B]\r\nk=2\r\n"));
     }
+
+    // The operator list is replaced in one write, with the bytes that deleting the
+    // section and writing it again would leave.
+    void replaceSectionIsDeleteThenWriteInOneStep() {
+        const QByteArray start("[A]\r\nk=1\r\n[OPCALLS]\r\nOE1A\r\nOE1B\r\n[B]\r\nk=2\r\n");
+        const QStringList rows{QStringLiteral("OE3X"), QStringLiteral(" OE1A ")};
+        WriteBytes(ini, start);
+        IniDeleteSection(ini, QStringLiteral("OPCALLs"));
+        IniWriteSection(ini, QStringLiteral("OPCALLs"), rows);
+        const QByteArray twoSteps = ReadBytes(ini);
+        WriteBytes(ini, start);
+        IniReplaceSection(ini, QStringLiteral("opcalls"), rows);
+        QCOMPARE(ReadBytes(ini), twoSteps);
+        QCOMPARE(twoSteps, QByteArray("[A]\r\nk=1\r\n[B]\r\nk=2\r\n[OPCALLS]\r\nOE3X\r\nOE1A\r\n"));
+        IniReplaceSection(ini, QStringLiteral("OPCALLs"), {});
+        QCOMPARE(ReadBytes(ini), QByteArray("[A]\r\nk=1\r\n[B]\r\nk=2\r\n"));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestSettings)

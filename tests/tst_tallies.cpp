@@ -73,10 +73,10 @@ private slots:
         QCOMPARE(m.ModeBandCount[0][0], 1); // the dupe takes no part
         QCOMPARE(m.ModeBandCount[0][1], 1);
         QCOMPARE(m.ModeBandCount[1][1], 1);
-        QCOMPARE(m.ModeBandCount[1][2], 2);
+        QCOMPARE(m.ModeBandCount[1][2], 1); // the unknown district "??" takes no part
         QCOMPARE(m.PeriodBandCount[0][0], 1);
         QCOMPARE(m.PeriodBandCount[3][1], 1);
-        QCOMPARE(m.PeriodBandCount[2][2], 1);
+        QCOMPARE(m.PeriodBandCount[2][2], 0);
         QCOMPARE(m.PeriodBandCount[3][2], 1);
         QCOMPARE(m.StaatsfunkRecords.size(), size_t(2));
         QCOMPARE(m.StaatsfunkRecords[0].Prefix, QStringLiteral("OEY"));

@@ -1,0 +1,33 @@
+// A test-only way to drive the real program from outside: with KOLIBRINO_TEST_DRIVE=1
+// in its environment, kolibrino reads commands from standard input, one a line, and
+// carries each out through the real window, then answers on standard output:
+//
+//   Q <call> <band index> <mode index> <district>   types a contact into the entry
+//       fields and presses Enter in the call field; answers "A <call>" once the Enter
+//       handling has returned with the contact logged, "N <call>" when it was not.
+//   O <call> [<call> ...]                           saves the operator list the way
+//       the operator field does (section OPCALLs); answers "S" once it is written.
+//   L <file name>                                   switches to that log of Logs/ the
+//       way "Log Öffnen" does once the log manager has closed; answers "L <file name>"
+//       when it is the current log, "N <file name>" when not.
+//
+// It prints "R" when the main window is up. The crash-injection driver (tests/crash)
+// uses it to kill the program at random moments. Corrections (edit, delete) get their
+// commands here as they are wired to the main window.
+//
+// GUI thread. Unknown commands answer "?"; a closed input ends nothing.
+#pragma once
+
+#include "core/dialogs.h"
+#include "core/log_model.h"
+
+class QObject;
+
+namespace kolibrino {
+
+class HauptForm;
+
+// Installs the reader when KOLIBRINO_TEST_DRIVE is set; returns whether it did.
+bool InstallTestDrive(HauptForm& window, Model& m, Dialogs& dialogs);
+
+} // namespace kolibrino
