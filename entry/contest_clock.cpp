@@ -3,6 +3,7 @@
 #include "core/backup.h"
 #include "core/settings.h"
 
+#include <QDir>
 #include <cstdlib>
 
 namespace kolibrino {
@@ -123,6 +124,7 @@ bool DelayedBackup::Fire(const QDateTime& now) {
 
 void RunDelayedBackup(const Model& m, Dialogs& dialogs) {
     if (m.CurrentLogName.isEmpty()) return;
+    if (!m.BackupFolder.isEmpty()) QDir().mkpath(m.BackupFolder); // our own folder comes back
     BackupFile(dialogs, m.LogFolder + m.CurrentLogName, m.BackupFolder + m.CurrentLogName, m.ExtraBackupPath);
 }
 

@@ -102,7 +102,8 @@ private:
     QDateTime due_;
 };
 // Copies the log from LogFolder to BackupFolder under its own name (the ".ALT" backup
-// of core/backup.h). Nothing happens without a current log.
+// of core/backup.h), re-creating BackupFolder when it went missing. Nothing happens
+// without a current log.
 void RunDelayedBackup(const Model& m, Dialogs& dialogs);
 
 // ---- Timer4: countdown and submission reminders --------------------------------------

@@ -3,6 +3,7 @@
 #include "core/call_index.h"
 #include "core/log_file.h"
 #include "core/settings.h"
+#include "core/storable_text.h"
 #include "core/vb_text.h"
 
 namespace kolibrino {
@@ -99,6 +100,7 @@ KeyAction FilterKeyPress(EntryField field, QChar key, bool shiftDown, QChar date
 
     if (field == EntryField::Combo6) {
         if (k == KeyAscii::Enter) return Swallowed(KeyAction::OperatorEnter, false);
+        if (DropsFromContactField(key) && !IsEditingKey(k)) return Swallowed(KeyAction::Drop, false);
         return Typed(key.toUpper(), false);
     }
     if (k == KeyAscii::Enter) return Swallowed(KeyAction::Take, stops);
@@ -109,6 +111,9 @@ KeyAction FilterKeyPress(EntryField field, QChar key, bool shiftDown, QChar date
         a.target = *target;
         return a;
     }
+
+    // Separators, line ends and characters the file cannot hold never reach a field.
+    if (DropsFromContactField(key) && !IsEditingKey(k)) return Swallowed(KeyAction::Drop, stops);
 
     switch (field) {
     case EntryField::Text1:
@@ -293,9 +298,7 @@ QStringList LoadOperators(const QString& iniFile) {
 }
 
 void StoreOperators(const QStringList& items, const QString& iniFile) {
-    IniDeleteSection(iniFile, kOpCallsSection);
-    const QStringList kept = OperatorsToStore(items);
-    if (!kept.isEmpty()) IniWriteSection(iniFile, kOpCallsSection, kept);
+    IniReplaceSection(iniFile, kOpCallsSection, OperatorsToStore(items));
 }
 
 // ---- Menu items of the entry ---------------------------------------------------------

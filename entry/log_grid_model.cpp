@@ -54,6 +54,12 @@ int MinuteOfDay(const QString& t, QChar sep) {
     return h * 60 + m;
 }
 
+// The same for a short time "hh:mm".
+int ShortMinuteOfDay(const QString& t, QChar sep) {
+    if (t.size() != 5 || t[2] != sep) return -1;
+    return MinuteOfDay(t + sep + QStringLiteral("00"), sep);
+}
+
 } // namespace
 
 LogGridModel::LogGridModel(const LocaleFormats& formats, QObject* parent)
@@ -152,6 +158,19 @@ void LogGridModel::AppendRow(GridRow row) {
     endInsertRows();
 }
 
+void LogGridModel::RemoveRow(int row) {
+    if (row < 0 || row >= int(rows_.size())) return;
+    beginRemoveRows({}, row, row);
+    rows_.erase(rows_.begin() + row);
+    endRemoveRows();
+}
+
+void LogGridModel::ClearBackColors(int row) {
+    if (row < 0 || row >= int(rows_.size())) return;
+    rows_[size_t(row)].backColors.clear();
+    emit dataChanged(index(row, 0), index(row, kGridColumns - 1), {Qt::BackgroundRole, Qt::ForegroundRole});
+}
+
 void LogGridModel::Clear() {
     beginResetModel();
     rows_.clear();
@@ -216,8 +235,12 @@ void LogGridModel::Sort(int sortMode) {
     if (sortMode == GridSort::ZeitAuf || sortMode == GridSort::ZeitAb) {
         // One conversion per row, not one per comparison.
         std::vector<int> secs(n);
-        for (size_t i = 0; i < n; ++i)
-            secs[i] = formats_.TimeSeconds(rows_[i].cells[kGridColZeit]).value_or(-1);
+        const QChar sep = formats_.TimeSeparator();
+        for (size_t i = 0; i < n; ++i) {
+            const QString& t = rows_[i].cells[kGridColZeit];
+            const int minute = ShortMinuteOfDay(t, sep); // the grid's own "hh:mm" read directly
+            secs[i] = minute >= 0 ? minute * 60 : formats_.TimeSeconds(t).value_or(-1);
+        }
         if (sortMode == GridSort::ZeitAuf)
             std::stable_sort(order.begin(), order.end(),
                              [&](size_t a, size_t b) { return secs[a] < secs[b]; });
@@ -251,6 +274,8 @@ void LogGridModel::Sort(int sortMode) {
             return ascending ? c < 0 : c > 0;
         });
     }
+    // Rows already in this order stay as they are, without a new layout of the views.
+    if (std::is_sorted(order.begin(), order.end())) return;
     emit layoutAboutToBeChanged();
     const QModelIndexList before = persistentIndexList();
     std::vector<int> newPlace(n);

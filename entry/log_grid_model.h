@@ -74,6 +74,10 @@ public:
     void SetBackColor(int row, int column, int bgr);
 
     void AppendRow(GridRow row);
+    // Takes one data row out (0-based); nothing for a row outside the grid.
+    void RemoveRow(int row);
+    // Gives every cell of a row the grid's own back colour again.
+    void ClearBackColors(int row);
     void Clear();
     // Replaces all rows at once (one reset of the views).
     void SetRows(std::vector<GridRow> rows);

@@ -4,6 +4,7 @@
 #include "ui/window_support.h"
 
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QMouseEvent>
 #include <QScrollBar>
 
@@ -49,7 +50,11 @@ void LogGridView::SetGrid1() {
     }
     // The note takes what width is left over.
     horizontalHeader()->setSectionResizeMode(9, QHeaderView::Stretch);
-    if (model() && model()->rowCount() > 0) setCurrentIndex(model()->index(0, 0));
+    // The heading cell is the current one: no contact stands highlighted.
+    if (selectionModel()) {
+        selectionModel()->clearSelection();
+        selectionModel()->setCurrentIndex(QModelIndex(), QItemSelectionModel::NoUpdate);
+    }
 }
 
 int LogGridView::VisibleRows() const {

@@ -4,6 +4,7 @@
 #include "entry/main_window.h"
 
 #include "entry/log_grid_view.h"
+#include "ui/keyboard_focus.h"
 
 #include <QAction>
 #include <QApplication>
@@ -37,6 +38,10 @@ HauptForm::HauptForm(Model& m, Dialogs& dialogs, const TimeSource& clock, QWidge
     BuildEntryArea(central);
     BuildGrid(central);
     setGeometry(DesignGeometry());
+    // The clearing keys are keys of the window: they act whatever control has the focus.
+    for (QWidget* w : central->findChildren<QWidget*>())
+        if (w->focusPolicy() != Qt::NoFocus) w->installEventFilter(this);
+    SelectAllOnKeyboardFocus(this);
 
     timer1_.setInterval(kTimer1IntervalMs);
     timer2_.setInterval(kTimer2IntervalMs);

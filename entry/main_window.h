@@ -129,6 +129,8 @@ public:
     std::function<void(int)> frequenzFreqAlt;
     std::function<void(int)> frequenzSetMode;
     std::function<int()> dbLogRows; // rows of the partial-call window's grid
+    // The update window at start, before this window is up.
+    std::function<void()> updateAtStart;
     // A companion window hands itself over when it is built, so that it can be
     // hidden, shown, moved and closed with the main window.
     void RegisterCompanion(Companion id, QWidget* window);
@@ -140,6 +142,10 @@ signals:
     void bearbeitenRequested(int row);
     void loeschenRequested(int row);
     void statistikRefreshRequested();
+    // The district map and the multiplier table (only while open): repaint everything,
+    // after a change that can take a colour away (deletion, edit, colour change).
+    void bzKarteRefreshRequested();
+    void gridKarteRefreshRequested();
     void trackerRefreshRequested();
     // The partial-call window (only while it is open): refresh its list, or empty it.
     void dbLogRefreshRequested();

@@ -255,6 +255,7 @@ void HauptForm::Uebernehmen() {
     if (m_.Open.GridKarte) calls.gridCellColor = gridKarteCellColor;
     if (m_.Open.Frequenz) calls.frequency = frequenzOf;
     const EntryResult result = TakeEntry(m_, dialogs_, grid_, ReadEntryFields(), calls, &fileBytes_);
+    if (result.bezirk) combo5_->setEditText(*result.bezirk);
     if (result.outcome != EntryResult::Logged) {
         if (result.outcome == EntryResult::CheckFailed && result.failure.boxFlags < 0)
             label13_->setText(result.failure.message);

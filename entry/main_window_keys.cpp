@@ -7,6 +7,7 @@
 #include "entry/main_window.h"
 #include "ui/back_colour.h"
 #include "ui/combo_max_length.h"
+#include "ui/keyboard_focus.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -162,7 +163,7 @@ bool HauptForm::FieldKeyPress(EntryField f, QKeyEvent* e) {
     case KeyAction::Drop:
         return true;
     case KeyAction::Jump:
-        FieldWidget(a.target)->setFocus(Qt::OtherFocusReason);
+        FocusFromKeyboard(FieldWidget(a.target));
         return true;
     case KeyAction::Take:
         Uebernehmen();

@@ -65,11 +65,15 @@ bool HauptForm::Load() {
     RecordVersion();
     // 4: the date separator as today's short date shows it.
     m_.DateSeparator = FirstNonDigit(m_.Formats.ShortDate(clock_.Now().date()), m_.DateSeparator);
-    // 5: the update window comes with the upkeep part of the program.
+    // No log yet: the header holds its defaults (the exam date's with this separator),
+    // so that a log created in the log manager starts from them.
+    if (m_.CurrentLogName.isEmpty()) m_.Header = DefaultHeader(m_);
+    // 5: the update window, before this window is up.
+    if (updateAtStart) updateAtStart();
     // 6: the district table.
     LoadBezirkTable(m_, dialogs_);
-    // 7, 8: this window, then the choice of the log.
-    show();
+    // 7, 8: the choice of the log. This window stays hidden behind it: an empty main
+    // window is never seen, and with no log the program ends without showing it.
     ChooseLog();
     // 9: no log, no program.
     if (m_.CurrentLogName.isEmpty() || !FileExists(m_.LogFolder + m_.CurrentLogName)) {
@@ -77,6 +81,7 @@ bool HauptForm::Load() {
         close();
         return false;
     }
+    show();
     // 10, 11: title and stored geometry.
     setWindowTitle(QStringLiteral("Kolibrino (") + m_.CurrentLogName + QLatin1Char(')'));
     const int top = ReadInt(kPos, QStringLiteral("HauptFormTop"));
@@ -157,7 +162,9 @@ bool HauptForm::Load() {
     timer3_.start();
     const QString extra =
         IniReadString({}, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath")).trimmed();
-    m_.ExtraBackupPath = (!extra.isEmpty() && FolderExists(extra)) ? extra : QString();
+    // A folder that is Logs/ or Sicherung/ however spelled (an INI edited by hand) is none.
+    m_.ExtraBackupPath =
+        (!extra.isEmpty() && FolderExists(extra) && !IsLogOrBackupFolder(m_, extra)) ? extra : QString();
     if (!m_.ExtraBackupPath.isEmpty() && !m_.ExtraBackupPath.endsWith(QLatin1Char('/')))
         m_.ExtraBackupPath += QLatin1Char('/');
     Action(QStringLiteral("MnAutomatischesSichern"))
@@ -195,7 +202,10 @@ void HauptForm::Unload() {
           Companion::Transceiver, Companion::LogTracker, Companion::DBLog}) {
         const bool open = OpenFlag(m_, id);
         IniWrite({}, kEinst, QString::fromLatin1(CompanionOf(id).openKey), FlagValue(open));
-        if (QWidget* w = CompanionWindow(id); open && w) w->close();
+        if (QWidget* w = CompanionWindow(id); open && w) {
+            w->setProperty("Tag", QStringLiteral("1")); // closed by the program: no question
+            w->close();
+        }
     }
     IniWrite({}, kPos, QStringLiteral("HauptFormTop"), PixelsToTwips(pos().y()));
     IniWrite({}, kPos, QStringLiteral("HauptFormLeft"), PixelsToTwips(pos().x()));

@@ -5,6 +5,7 @@
 #include "core/cp1252.h"
 #include "core/error_trap.h"
 #include "core/log_file.h"
+#include "core/storable_text.h"
 #include "core/tallies.h"
 #include "core/vb_text.h"
 
@@ -68,8 +69,8 @@ QsoRecord RecordOfEntry(const Model& m, const EntryFields& f, bool isDupe, float
     r.Mode = TrimBlanks(f.mode).left(5);
     r.ModeRx = r.Mode;
     r.Status = isDupe ? Status::Dupe : Status::Normal;
-    r.Operator = TrimBlanks(f.opCall).left(13);
-    r.Bemerkung = f.notiz;
+    r.Operator = StorableContactText(TrimBlanks(f.opCall)).left(13);
+    r.Bemerkung = StorableContactText(f.notiz);
     r.BandRx = QStringLiteral("0");
     r.Frequenz = frequency;
     r.FrequenzRx = 0;
@@ -77,9 +78,11 @@ QsoRecord RecordOfEntry(const Model& m, const EntryFields& f, bool isDupe, float
     return r;
 }
 
-EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const EntryFields& f,
+EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const EntryFields& typed,
                       const CompanionCalls& companions, LogFileBytes* fileBytes) {
     EntryResult res;
+    // The fields as the chain sees them: the dupe rule may fill in the district.
+    EntryFields f = typed;
     if (const auto failure = CheckEntry(m, dialogs, f)) {
         res.failure = *failure;
         return res;
@@ -92,7 +95,22 @@ EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const Entr
     // The dupe decision.
     bool isDupe = false;
     if (CallInIndex(m.CallIndex, call)) {
-        const DupeVerdict verdict = CallExistTest(m, call, band, mode, entryTime);
+        DupeVerdict verdict = CallExistTest(m, call, band, mode, entryTime);
+        // A damaged index takes the error path: the "FEHLER" box, Retry looks again,
+        // Cancel leaves the entry in its fields, logged nowhere.
+        while (!verdict.error.isEmpty()) {
+            if (dialogs.MsgBox(FehlerText(verdict.error), kFehlerFlags) != Msg::Retry) {
+                res.failure = CheckFailure{0, verdict.error, kFehlerFlags, EntryFocus::Text3};
+                return res;
+            }
+            verdict = CallExistTest(m, call, band, mode, entryTime);
+        }
+        // As when the call field is left: a worked station brings the district of the
+        // last record visited, whatever was typed after the look-up.
+        if (verdict.found) {
+            f.bezirk = verdict.bezirk;
+            res.bezirk = verdict.bezirk;
+        }
         if (verdict.isDupe) {
             if (dialogs.MsgBox(kMsgDupeFrage, kDupeFrageFlags) != Msg::Yes) {
                 res.outcome = EntryResult::DupeRefused;
@@ -150,8 +168,8 @@ EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const Entr
     c[6] = TrimBlanks(f.rstEmpfangen);
     c[7] = f.bezirk;
     c[8] = QString::number(f.qsl);
-    c[9] = f.notiz;
-    c[10] = TrimBlanks(f.opCall);
+    c[9] = StorableContactText(f.notiz); // the grid shows what the file holds
+    c[10] = StorableContactText(TrimBlanks(f.opCall));
     c[12] = mode;
     c[13] = QStringLiteral("0");
     c[14] = FloatText(frequency);

@@ -94,6 +94,9 @@ struct EntryResult {
     bool isDupe = false;
     size_t recordIndex = 0;
     bool fileWritten = false;
+    // Set when the dupe rule filled in the district of a worked station (the district
+    // box shows it, also after a refused dupe).
+    std::optional<QString> bezirk;
 };
 
 // The whole chain of one entry up to the counters: checks, dupe question, tallies,

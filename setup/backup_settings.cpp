@@ -2,6 +2,7 @@
 
 #include "core/atomic_file.h"
 #include "core/error_trap.h"
+#include "core/paths.h"
 #include "core/settings.h"
 
 #include <QDir>
@@ -22,13 +23,13 @@ BackupSettings ReadBackupSettings(const Model& m) {
     BackupSettings s;
     s.enabled = IniReadInt(m.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("SichernEA")) == 1;
     const QString path = IniReadString(m.IniPath, QStringLiteral("PATHE"), QStringLiteral("SicherungsPath"));
-    if (!path.isEmpty() && FolderExists(path)) s.folder = path;
+    // A folder edited by hand to Logs/ or Sicherung/ (however spelled) counts as none.
+    if (!path.isEmpty() && FolderExists(path) && !IsLogOrBackupFolder(m, path)) s.folder = path;
     return s;
 }
 
 bool IsForbiddenBackupFolder(const Model& m, const QString& folder) {
-    const QString f = NoSlash(folder);
-    return f == NoSlash(m.LogFolder) || f == NoSlash(m.BackupFolder);
+    return IsLogOrBackupFolder(m, folder);
 }
 
 QString CheckChosenFolder(const Model& m, Dialogs& dialogs, const QString& folder) {

@@ -15,10 +15,11 @@ struct BackupSettings {
     QString folder;       // SicherungsPath, with its trailing "/"; empty if none
 };
 
-// The stored settings; the folder only when it is set and exists.
+// The stored settings; the folder only when it is set, exists and is neither Logs/ nor
+// Sicherung/.
 BackupSettings ReadBackupSettings(const Model& m);
 
-// Logs/ or Sicherung/ of DataFolder (compared as texts without the trailing "/").
+// Logs/ or Sicherung/ of DataFolder, however spelled (see SameFolder()).
 bool IsForbiddenBackupFolder(const Model& m, const QString& folder);
 
 // A folder chosen in the tree: the folder to show, after the warning box when it is

@@ -4,11 +4,13 @@
 #include "core/error_trap.h"
 #include "core/paths.h"
 #include "core/settings.h"
+#include "core/trash.h"
 #include "core/vb_text.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <unistd.h>
 
 namespace kolibrino::setup {
 namespace {
@@ -21,11 +23,12 @@ QString WithSlash(const QString& folder) {
     return folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
 }
 
+// A deleted log goes to the trash, or dated into Sicherung/ beside Logs/ where there
+// is none.
 QString RemoveError(const QString& path) {
-    QFile f(path);
-    if (f.remove()) return {};
-    return f.errorString().isEmpty() ? QStringLiteral("Datei kann nicht gelöscht werden: %1").arg(path)
-                                     : f.errorString();
+    const QString backupFolder =
+        QFileInfo(path).absoluteDir().absoluteFilePath(QStringLiteral("../Sicherung"));
+    return MoveToTrash(path, QDir::cleanPath(backupFolder));
 }
 
 } // namespace
@@ -56,6 +59,17 @@ QString CheckRenameName(const QString& trimmedName) {
     return {};
 }
 
+bool FileNameFits(const QString& folder, const QString& fileName) {
+    long limit = ::pathconf(QFile::encodeName(folder.isEmpty() ? QStringLiteral(".") : folder).constData(),
+                            _PC_NAME_MAX);
+    if (limit <= 0) limit = 255;
+    return QFile::encodeName(fileName).size() <= limit;
+}
+
+QString TooLongText() {
+    return QStringLiteral("Dateiname zu lang!") + kNotPossible;
+}
+
 QString RenamedFileName(const QString& trimmedName) {
     // Four characters are held against the six of the extension: never equal, so the
     // extension is always appended, twice on a name that already bears it.
@@ -79,6 +93,10 @@ int RenameLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const 
             return renamed;
         }
         const QString fileName = RenamedFileName(name);
+        if (!FileNameFits(folder, fileName)) {
+            dialogs.MsgBox(TooLongText(), Msg::Critical);
+            return renamed;
+        }
         if (QFileInfo::exists(folder + fileName)) {
             dialogs.MsgBox(QStringLiteral("Datei existiert bereits!") + kNotPossible, Msg::Critical);
             return renamed;

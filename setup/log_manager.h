@@ -28,6 +28,11 @@ bool HasForbiddenNameChar(const QString& name);
 // The rename test of one trimmed answer: the empty text when it passes, else the box
 // text ("Dateiname ungültig!..." or "Dateiname zu lang!...").
 QString CheckRenameName(const QString& trimmedName);
+// Whether a file of this name can be made in folder: its bytes in the file system's
+// encoding (an umlaut takes two) against the longest name the file system holds there.
+bool FileNameFits(const QString& folder, const QString& fileName);
+// The box text when it does not ("Dateiname zu lang!..." of the rename).
+QString TooLongText();
 // The name the rename gives the file: the extension is always appended.
 QString RenamedFileName(const QString& trimmedName);
 

@@ -5,6 +5,7 @@
 #include "setup/modal.h"
 #include "setup/setup_widgets.h"
 #include "setup/station_log.h"
+#include "ui/keyboard_focus.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -21,7 +22,6 @@ namespace {
 
 constexpr int kNarrowWidth = 440;
 constexpr int kWideWidth = 620;
-
 
 } // namespace
 
@@ -44,6 +44,11 @@ LogNewOpen::LogNewOpen(Model& m, Dialogs& dialogs, const TimeSource& clock, cons
     fileLayout->addWidget(file1_);
     connect(file1_, &QListWidget::itemDoubleClicked, this,
             [this](QListWidgetItem* item) { OpenRow(item->text()); });
+    // Enter on the selected row opens it, as a double click does.
+    OnEnterKey(file1_, [this] {
+        QListWidgetItem* item = file1_->currentItem();
+        if (item && item->isSelected()) OpenRow(item->text());
+    });
 
     auto* label3 = new QLabel(QStringLiteral("Zuletzt verwendetes Log"), this);
     label3->setObjectName(QStringLiteral("Label3"));
@@ -104,6 +109,7 @@ LogNewOpen::LogNewOpen(Model& m, Dialogs& dialogs, const TimeSource& clock, cons
     const QString last = ExistingLastLog(m_);
     if (!last.isEmpty()) label2_->setText(last);
     resize(kNarrowWidth, 460);
+    SelectAllOnKeyboardFocus(this);
 }
 
 void LogNewOpen::SetLastLog(const QString& name) {

@@ -2,10 +2,13 @@
 
 #include "setup/station_logic.h"
 
+#include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 
 namespace kolibrino::setup {
 
@@ -30,13 +33,69 @@ void ClickLabel::mouseReleaseEvent(QMouseEvent* e) {
     QLabel::mouseReleaseEvent(e);
 }
 
+namespace {
+
+class EnterKeyFilter : public QObject {
+public:
+    EnterKeyFilter(QWidget* w, std::function<void()> action) : QObject(w), action_(std::move(action)) {
+        w->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress) return false;
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key != Qt::Key_Return && key != Qt::Key_Enter) return false;
+        action_();
+        return true;
+    }
+
+private:
+    std::function<void()> action_;
+};
+
+} // namespace
+
+void OnEnterKey(QWidget* w, std::function<void()> action) {
+    new EnterKeyFilter(w, std::move(action));
+}
+
+void ClickLabel::SetElided(bool on) {
+    elided_ = on;
+    QSizePolicy p = sizePolicy();
+    p.setHorizontalPolicy(on ? QSizePolicy::Ignored : QSizePolicy::Preferred);
+    setSizePolicy(p);
+    updateGeometry();
+    update();
+}
+
+void ClickLabel::paintEvent(QPaintEvent* e) {
+    if (!elided_) {
+        QLabel::paintEvent(e);
+        return;
+    }
+    QPainter p(this);
+    drawFrame(&p);
+    const QRect r = contentsRect().adjusted(margin() + 2, margin(), -margin() - 2, -margin());
+    const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, r.width());
+    style()->drawItemText(&p, r, int(QStyle::visualAlignment(layoutDirection(), alignment())), palette(),
+                          isEnabled(), shown, foregroundRole());
+}
+
 KeyFilter::KeyFilter(Kind kind, QLineEdit* edit, std::function<void()> onEnter)
     : QObject(edit), kind_(kind), edit_(edit), onEnter_(std::move(onEnter)) {
     edit->installEventFilter(this);
 }
 
+KeyFilter::KeyFilter(Kind kind, QComboBox* combo, std::function<void()> onEnter)
+    : QObject(combo), kind_(kind), edit_(combo->lineEdit()), onEnter_(std::move(onEnter)) {
+    combo_ = combo;
+    combo->installEventFilter(this);
+    edit_->installEventFilter(this);
+}
+
 bool KeyFilter::eventFilter(QObject* watched, QEvent* event) {
-    if (watched != edit_ || event->type() != QEvent::KeyPress) return false;
+    if ((watched != edit_ && watched != combo_) || event->type() != QEvent::KeyPress) return false;
     auto* key = static_cast<QKeyEvent*>(event);
     switch (key->key()) {
     case Qt::Key_Tab:

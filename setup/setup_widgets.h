@@ -8,6 +8,7 @@
 #include <QObject>
 #include <functional>
 
+class QComboBox;
 class QLineEdit;
 class QPushButton;
 
@@ -16,17 +17,27 @@ namespace kolibrino::setup {
 // A push button with its classic object name that does not take Enter by default.
 QPushButton* Button(const QString& caption, const QString& name, QWidget* parent);
 
+// Enter (either key) on w runs action and is taken; other keys stay w's own.
+void OnEnterKey(QWidget* w, std::function<void()> action);
+
 // A label with a frame that reacts to a click of the left button.
 class ClickLabel : public QLabel {
     Q_OBJECT
 public:
     explicit ClickLabel(QWidget* parent = nullptr);
+    // A long text is shortened with "…" to the width the window gives the label, and
+    // never widens the window; the full text stays text().
+    void SetElided(bool on);
 
 signals:
     void clicked();
 
 protected:
     void mouseReleaseEvent(QMouseEvent* e) override;
+    void paintEvent(QPaintEvent* e) override;
+
+private:
+    bool elided_ = false;
 };
 
 // Per key press: calls keep "/" to "9", letters (folded up), "-" as "/", backspace,
@@ -37,6 +48,9 @@ class KeyFilter : public QObject {
 public:
     enum class Kind { Call, Locator };
     KeyFilter(Kind kind, QLineEdit* edit, std::function<void()> onEnter = {});
+    // An editable combo box: the keys come to the combo box itself (its line edit is
+    // only its display), so the filter sits on both and types into the line edit.
+    KeyFilter(Kind kind, QComboBox* combo, std::function<void()> onEnter = {});
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -44,6 +58,7 @@ protected:
 private:
     Kind kind_;
     QLineEdit* edit_;
+    QObject* combo_ = nullptr;
     std::function<void()> onEnter_;
 };
 

@@ -3,6 +3,7 @@
 #include "core/atomic_file.h"
 #include "setup/backup_settings.h"
 #include "setup/setup_widgets.h"
+#include "ui/keyboard_focus.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -100,10 +101,11 @@ SichernEinstellungen::SichernEinstellungen(Model& m, Dialogs& dialogs, QWidget* 
     grid->addLayout(buttons);
 
     connect(drive1_, &QComboBox::textActivated, this, &SichernEinstellungen::ChooseVolume);
-    connect(dir1_->selectionModel(), &QItemSelectionModel::currentChanged, this,
-            [this](const QModelIndex& index) {
-                if (!selecting_ && index.isValid()) ChooseFolder(fs_->filePath(index));
-            });
+    // A folder is chosen when it is opened (double click or Enter), not when the
+    // selection merely passes over it, so the keyboard can walk past a refused one.
+    connect(dir1_, &QTreeView::activated, this, [this](const QModelIndex& index) {
+        if (!selecting_ && index.isValid()) ChooseFolder(fs_->filePath(index));
+    });
     // The tree fills in the background: keep the chosen folder in view as it grows.
     connect(fs_, &QFileSystemModel::directoryLoaded, this, [this] {
         // Rows are sorted a moment after they arrive; scroll once they stand.
@@ -131,6 +133,7 @@ SichernEinstellungen::SichernEinstellungen(Model& m, Dialogs& dialogs, QWidget* 
         dir1_->setRootIndex(fs_->index(drive1_->currentText()));
     }
     resize(460, 560);
+    SelectAllOnKeyboardFocus(this);
 }
 
 void SichernEinstellungen::SelectInTree(const QString& folder) {
@@ -151,7 +154,8 @@ void SichernEinstellungen::ChooseVolume(const QString& root) {
 
 void SichernEinstellungen::ChooseFolder(const QString& folder) {
     const QString shown = CheckChosenFolder(m_, dialogs_, folder);
-    if (shown != folder) SelectInTree(shown);
+    // Tree and field show the same folder.
+    SelectInTree(shown);
     text1_->setText(shown);
 }
 

@@ -2,6 +2,7 @@
 
 #include "setup/setup_widgets.h"
 #include "ui/combo_max_length.h"
+#include "ui/keyboard_focus.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QButtonGroup>
@@ -153,8 +154,10 @@ StationLog::StationLog(Model& m, Dialogs& dialogs, const TimeSource& clock, cons
         command3_->setEnabled(false);
         label10_->setEnabled(false);
         label10_->setText(m_.CurrentLogName);
+        label10_->setToolTip(m_.CurrentLogName);
     }
     resize(1000, 660);
+    SelectAllOnKeyboardFocus(this);
 }
 
 QWidget* StationLog::BuildMandatory() {
@@ -171,7 +174,7 @@ QWidget* StationLog::BuildMandatory() {
     SetComboMaxLength(combo5_, kCallMax, true);
     connect(combo5_, &QComboBox::editTextChanged, this,
             [this] { SetComboMaxLength(combo5_, kCallMax, true); });
-    new KeyFilter(KeyFilter::Kind::Call, combo5_->lineEdit());
+    new KeyFilter(KeyFilter::Kind::Call, combo5_);
     command5_ = Button(QStringLiteral("\u2630"), QStringLiteral("Command5"), frame1_);
     command5_->setToolTip(QStringLiteral("Operatorrufzeichenliste bearbeiten"));
     command5_->setFixedWidth(32);
@@ -188,6 +191,8 @@ QWidget* StationLog::BuildMandatory() {
     combo1_ = new QComboBox(frame1_);
     combo1_->setObjectName(QStringLiteral("Combo1"));
     combo1_->setMaxVisibleItems(20);
+    // A list popup that keeps to its twenty rows, not one at the height of the screen.
+    combo1_->setStyleSheet(QStringLiteral("QComboBox { combobox-popup: 0; }"));
     grid->addWidget(Caption(QStringLiteral("Eigener Bezirkskenner"), combo1_, frame1_), 2, 0, 1, 2);
     grid->addWidget(combo1_, 3, 0, 1, 2);
 
@@ -263,6 +268,7 @@ QWidget* StationLog::BuildMandatory() {
 
     label10_ = new ClickLabel(frame1_);
     label10_->setObjectName(QStringLiteral("Label10"));
+    label10_->SetElided(true); // a long name never widens the window
     connect(label10_, &ClickLabel::clicked, this, &StationLog::ChooseName);
     command3_ = Button(QStringLiteral("..."), QStringLiteral("Command3"), frame1_);
     command3_->setFixedWidth(32);
@@ -458,6 +464,7 @@ void StationLog::ApplyForm(const StationForm& f) {
     if (text7_->toPlainText() != ForControl(f.text7)) text7_->setPlainText(ForControl(f.text7));
     if (text8_->toPlainText() != ForControl(f.text8)) text8_->setPlainText(ForControl(f.text8));
     label10_->setText(f.label10);
+    label10_->setToolTip(f.label10);
 }
 
 void StationLog::ApplyFocus(Focus focus) {
@@ -487,6 +494,7 @@ void StationLog::SaveClicked() {
     Focus focus = Focus::None;
     if (!Validate(m_, dialogs_, clock_, f, &focus)) {
         label10_->setText(f.label10);
+        label10_->setToolTip(f.label10);
         ApplyFocus(focus);
         return;
     }
@@ -504,6 +512,7 @@ void StationLog::ChooseName() {
     StationForm f = ReadForm();
     const Focus focus = ChooseFileName(m_, dialogs_, clock_, f);
     label10_->setText(f.label10);
+    label10_->setToolTip(f.label10);
     ApplyFocus(focus);
 }
 

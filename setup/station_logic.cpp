@@ -6,7 +6,9 @@
 #include "core/locale_fmt.h"
 #include "core/log_file.h"
 #include "core/settings.h"
+#include "core/storable_text.h"
 #include "core/tallies.h"
+#include "core/trash.h"
 #include "core/vb_text.h"
 #include "setup/log_manager.h"
 
@@ -174,21 +176,39 @@ Focus ChooseFileName(Model& m, Dialogs& dialogs, const TimeSource& clock, Statio
         dialogs.MsgBox(QStringLiteral("Dateiname ungültig"));
         return Focus::None;
     }
+    if (!FileNameFits(m.LogFolder, name + QLatin1String(".KOLBO"))) {
+        dialogs.MsgBox(QStringLiteral("Dateiname zu lang!"), Msg::Critical);
+        return Focus::None;
+    }
     const QString path = m.LogFolder + name + QLatin1String(".KOLBO");
     if (QFileInfo::exists(path)) {
         const int a = dialogs.MsgBox(QStringLiteral("Datei existiert bereits! Überschreiben?"),
                                      Msg::YesNo | Msg::Question | Msg::DefaultButton2);
         if (a == Msg::No) ChooseFileName(m, dialogs, clock, f);
-        // This pass's file goes, whatever the answer, and this pass's name wins.
-        RunTrapped(dialogs, [&]() -> QString {
-            QFile file(path);
-            if (!file.exists() || file.remove()) return {};
-            return file.errorString();
-        });
+        // This pass's file goes, whatever the answer, and this pass's name wins; it goes
+        // to the trash, so that a No the flow does not heed costs nothing.
+        RunTrapped(dialogs, [&]() -> QString { return MoveToTrash(path, m.BackupFolder, clock.Now()); });
     }
     m.CurrentLogName = name + QLatin1String(".KOLBO");
     f.label10 = m.CurrentLogName;
     return Focus::None;
+}
+
+QString StationFormProblem(const StationForm& f) {
+    const std::pair<const char*, QString> fields[] = {
+        {"Rufzeichen", f.text1},
+        {"Operator", f.combo5Text},
+        {"Locator", f.text3},
+        {"Name", f.text4},
+        {"Adresse", f.text5},
+        {"PLZ", f.text9},
+        {"Ort", f.text10},
+        {"eMail", f.text6},
+        {"Station", f.text7Lines.join(QStringLiteral("\r\n"))},
+        {"Kommentar", f.text8Lines.join(QStringLiteral("\r\n"))}};
+    for (const auto& [name, value] : fields)
+        if (const QString p = HeaderValueProblem(QString::fromUtf8(name), value); !p.isEmpty()) return p;
+    return {};
 }
 
 bool Validate(Model& m, Dialogs& dialogs, const TimeSource& clock, StationForm& f, Focus* focus) {
@@ -225,6 +245,7 @@ bool Validate(Model& m, Dialogs& dialogs, const TimeSource& clock, StationForm& 
             return fail(QStringLiteral("Du hast kein gültiges Datum für deine Lizenzprüfung angegeben!"),
                         Focus::None);
     }
+    if (const QString problem = StationFormProblem(f); !problem.isEmpty()) return fail(problem, Focus::None);
     if (!f.text6.contains(QLatin1Char('@'))) {
         const int a = dialogs.MsgBox(
             QStringLiteral(
@@ -307,9 +328,10 @@ bool Save(Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& 
     // 15
     if (!isNew) m.IsStaatsfunkstelle = h.MYWERTUNGSST == 4;
     // 16: the operator list.
-    IniDeleteSection(m.IniPath, QStringLiteral("OPCALLs"));
+    // Removing the section and writing it anew is one file replacement.
+    QStringList operatorRows;
     if (isNew) {
-        if (!f.combo5Rows.isEmpty()) IniWriteSection(m.IniPath, QStringLiteral("OPCALLs"), f.combo5Rows);
+        operatorRows = f.combo5Rows;
     } else if (!f.combo5Rows.isEmpty()) {
         const QString typed = TrimBlanks(f.combo5Text);
         if (!f.combo5Rows.contains(typed)) f.combo5Rows << typed;
@@ -320,8 +342,9 @@ bool Save(Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& 
         if (hooks.setOperators)
             for (const QString& row : f.combo5Rows)
                 hooks.setOperators(QStringList{row}, QString());
-        IniWriteSection(m.IniPath, QStringLiteral("OPCALLs"), f.combo5Rows);
+        operatorRows = f.combo5Rows;
     }
+    IniReplaceSection(m.IniPath, QStringLiteral("OPCALLs"), operatorRows);
     // 17
     if (isNew) {
         IniWrite(m.IniPath, QStringLiteral("Pathe"), QStringLiteral("LastNewLogFile"), m.CurrentLogName);

@@ -91,6 +91,10 @@ std::optional<QString> ExamDate(const StationForm& f, QChar sep);
 // or leaves both. Returns the focus wanted.
 Focus ChooseFileName(Model& m, Dialogs& dialogs, const TimeSource& clock, StationForm& f);
 
+// Why the form's texts cannot go into a log header (a character outside code page 1252,
+// the text of a header tag), in German; the empty text when they can.
+QString StationFormProblem(const StationForm& f);
+
 // The checks of both save buttons, in order. True when the save may go on.
 bool Validate(Model& m, Dialogs& dialogs, const TimeSource& clock, StationForm& f, Focus* focus);
 

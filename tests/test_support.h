@@ -46,11 +46,15 @@ inline QByteArray Cp(const QString& text) {
     return ToCp1252(text);
 }
 
-// A private DataFolder (KOLIBRINO_HOME) and a model whose folders lie in it.
+// A private DataFolder (KOLIBRINO_HOME) and a model whose folders lie in it; the
+// desktop's data folder (XDG_DATA_HOME, with the trash) is its "xdg/".
 class Home {
 public:
     Home() {
         qputenv("KOLIBRINO_HOME", dir.path().toLocal8Bit());
+        // The desktop's trash, where deleted logs go, lies in the test's folder too.
+        QDir().mkpath(dir.path() + QStringLiteral("/xdg"));
+        qputenv("XDG_DATA_HOME", (dir.path() + QStringLiteral("/xdg")).toLocal8Bit());
         model.SetLocale(AustrianLocale());
         model.Header = DefaultHeader(model);
         IniStartup(model, QStringLiteral(KOLIBRINO_BINARY_DIR));

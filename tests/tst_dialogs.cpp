@@ -5,10 +5,12 @@
 #include "test_support.h"
 #include "ui/combo_max_length.h"
 #include "ui/qt_dialogs.h"
+#include "ui/translation.h"
 
 #include <QApplication>
 #include <QColorDialog>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -182,6 +184,24 @@ private slots:
             static_cast<QDialog*>(w)->accept();
         });
         QCOMPARE(d.InputBox(QStringLiteral("Name"), {}, {}).value_or(QString()), QStringLiteral("Neu"));
+    }
+
+    void qtStandardButtonsSpeakGerman() {
+        QVERIFY(InstallGermanTranslation(*QCoreApplication::instance()));
+        QMessageBox plain;
+        plain.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+        QCOMPARE(plain.button(QMessageBox::Cancel)->text(), QStringLiteral("Abbrechen"));
+        QtDialogs d;
+        QString cancel;
+        OnNextModal([&cancel](QWidget* w) {
+            if (auto* box = w->findChild<QDialogButtonBox*>())
+                if (QPushButton* b = box->button(QDialogButtonBox::Cancel)) cancel = b->text();
+            static_cast<QDialog*>(w)->reject();
+        });
+        QVERIFY(
+            !d.InputBox(QStringLiteral("Namen für das Log eingeben/ändern"), QStringLiteral("Dateiname"), {})
+                 .has_value());
+        QCOMPARE(cancel, QStringLiteral("Abbrechen"));
     }
 };
 

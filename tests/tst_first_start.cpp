@@ -85,7 +85,7 @@ private slots:
                 QVERIFY(dlg.findChild<QPushButton*>(QStringLiteral("Command13"))->isVisible());
                 QTest::keyClicks(dlg.findChild<QLineEdit*>(QStringLiteral("Text1")),
                                  QStringLiteral("oe1new"));
-                QTest::keyClicks(dlg.findChild<QComboBox*>(QStringLiteral("Combo5"))->lineEdit(),
+                QTest::keyClicks(dlg.findChild<QComboBox*>(QStringLiteral("Combo5")),
                                  QStringLiteral("oe1new"));
                 dlg.findChild<QComboBox*>(QStringLiteral("Combo1"))->setCurrentIndex(0);
                 dlg.findChild<QLineEdit*>(QStringLiteral("Text4"))->setText(QStringLiteral("Neu Ling"));
@@ -123,7 +123,7 @@ private slots:
             call->clear();
             QTest::keyClicks(call, QStringLiteral("OE3ABC"));
             bezirk->clearEditText();
-            QTest::keyClicks(bezirk->lineEdit(), m.BezirkRecords[2].Code);
+            QTest::keyClicks(bezirk, m.BezirkRecords[2].Code);
             QTest::keyClick(call, Qt::Key_Return);
             QCOMPARE(m.LogRecords.size(), size_t(1));
             QCOMPARE(m.LogRecords[0].Call, QStringLiteral("OE3ABC"));

@@ -266,8 +266,7 @@ private slots:
         e.Open(QStringLiteral("A.KOLBO"));
         PushModalDriver([&](QDialog& d) {
             QTest::keyClicks(d.findChild<QLineEdit*>(QStringLiteral("Text1")), QStringLiteral("oe3neu"));
-            QTest::keyClicks(d.findChild<QComboBox*>(QStringLiteral("Combo5"))->lineEdit(),
-                             QStringLiteral("oe3neu"));
+            QTest::keyClicks(d.findChild<QComboBox*>(QStringLiteral("Combo5")), QStringLiteral("oe3neu"));
             d.findChild<QComboBox*>(QStringLiteral("Combo1"))->setCurrentIndex(1);
             d.findChild<QLineEdit*>(QStringLiteral("Text6"))->setText(QStringLiteral("neu@example.at"));
             e.d.AnswerInput(QStringLiteral("NEU"));
