@@ -34,10 +34,13 @@ int FloodFill4(QImage& image, QPoint seed, QRgb fill) {
         QRgb* line = row(p.y());
         if (!matches(line, p.x())) continue;
         int left = p.x();
-        while (left > 0 && matches(line, left - 1)) --left;
+        while (left > 0 && matches(line, left - 1))
+            --left;
         int right = p.x();
-        while (right < width - 1 && matches(line, right + 1)) ++right;
-        for (int x = left; x <= right; ++x) line[x] = newColour;
+        while (right < width - 1 && matches(line, right + 1))
+            ++right;
+        for (int x = left; x <= right; ++x)
+            line[x] = newColour;
         filled += right - left + 1;
         for (const int y : {p.y() - 1, p.y() + 1}) {
             if (y < 0 || y >= height) continue;

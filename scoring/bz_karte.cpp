@@ -1,0 +1,272 @@
+#include "scoring/bz_karte.h"
+
+#include "core/settings.h"
+#include "scoring/print_target.h"
+#include "ui/back_colour.h"
+#include "ui/window_support.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPixmap>
+#include <QPrinter>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+namespace kolibrino {
+
+BZKarte::BZKarte(Model& m, Dialogs& dialogs, QAction* menuEntry, QWidget* parent)
+    : QWidget(parent, Qt::Window), m_(m), dialogs_(dialogs), menuEntry_(menuEntry) {
+    setObjectName(QStringLiteral("BZKarte"));
+    setWindowTitle(QStringLiteral("Bezirke Karte"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    timer1_.setSingleShot(true);
+    timer1_.setInterval(0);
+    connect(&timer1_, &QTimer::timeout, this, &BZKarte::Timer1Tick);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+
+    picture3_ = new QWidget;
+    picture3_->setObjectName(QStringLiteral("Picture3"));
+    auto* panel = new QHBoxLayout(picture3_);
+    auto* frame2 = new QGroupBox(QStringLiteral("Farbauswahl"));
+    frame2->setObjectName(QStringLiteral("Frame2"));
+    auto* colours = new QHBoxLayout(frame2);
+    const char* captions[5] = {"40m", "80m", "40/80m", "30m", "30/80m"};
+    const char* tips[5] = {"Farbe für gearbeitete 40m Felder", "Farbe für gearbeitete 80m Felder",
+                           "Farbe für gearbeitete 40/80m Felder", "Farbe für gearbeitete 30m Felder",
+                           "Farbe für gearbeitete 30/80m Felder"};
+    const MapColours design;
+    for (int i = 0; i < 5; ++i) {
+        auto* b = new QPushButton(QString::fromLatin1(captions[i]));
+        b->setObjectName(QStringLiteral("Command%1").arg(i + 1));
+        b->setToolTip(QString::fromUtf8(tips[i]));
+        SetBackColour(b, quint32(MapColour(design, i)));
+        connect(b, &QPushButton::clicked, this, [this, i] { CommandClick(i); });
+        buttons_[size_t(i)] = b;
+        colours->addWidget(b);
+    }
+    panel->addWidget(frame2);
+    combo1_ = new QComboBox;
+    combo1_->setObjectName(QStringLiteral("Combo1"));
+    for (const char* row : kMapFilterRows)
+        combo1_->addItem(QString::fromUtf8(row));
+    combo1_->setPlaceholderText(QStringLiteral("Bezirke einfärben"));
+    combo1_->setCurrentIndex(-1);
+    connect(combo1_, &QComboBox::activated, this, &BZKarte::Combo1Click);
+    panel->addWidget(combo1_);
+    auto* frame1 = new QGroupBox;
+    frame1->setObjectName(QStringLiteral("Frame1"));
+    auto* f1 = new QHBoxLayout(frame1);
+    auto* command8 = new QPushButton(QStringLiteral("Karte in den Hintergrund"));
+    command8->setObjectName(QStringLiteral("Command8"));
+    connect(command8, &QPushButton::clicked, this, &BZKarte::Command8Click);
+    auto* command7 = new QPushButton(QStringLiteral("Karte drucken"));
+    command7->setObjectName(QStringLiteral("Command7"));
+    connect(command7, &QPushButton::clicked, this, [this] { Command7Click(); });
+    f1->addWidget(command8);
+    f1->addWidget(command7);
+    panel->addWidget(frame1);
+    check1_ = new QCheckBox(QStringLiteral("Karte halbe Größe"));
+    check1_->setObjectName(QStringLiteral("Check1"));
+    connect(check1_, &QCheckBox::clicked, this, &BZKarte::Check1Click);
+    panel->addWidget(check1_);
+    panel->addStretch(1);
+    layout->addWidget(picture3_);
+
+    command6_ = new QPushButton(QStringLiteral("&Volle Größe"));
+    command6_->setObjectName(QStringLiteral("Command6"));
+    command6_->hide();
+    connect(command6_, &QPushButton::clicked, this, &BZKarte::Command6Click);
+    layout->addWidget(command6_, 0, Qt::AlignLeft);
+
+    picture2_ = new QScrollArea;
+    picture2_->setObjectName(QStringLiteral("Picture2"));
+    picture1_ = new QLabel;
+    picture1_->setObjectName(QStringLiteral("Picture1"));
+    picture2_->setWidget(picture1_);
+    picture2_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    picture2_->horizontalScrollBar()->setObjectName(QStringLiteral("HScroll1"));
+    picture2_->verticalScrollBar()->setObjectName(QStringLiteral("VScroll1"));
+    layout->addWidget(picture2_, 1);
+    image1_ = new QLabel;
+    image1_->setObjectName(QStringLiteral("Image1"));
+    image1_->setScaledContents(true);
+    image1_->hide();
+    layout->addWidget(image1_, 0, Qt::AlignLeft | Qt::AlignTop);
+}
+
+void BZKarte::Load() {
+    for (int i = 0; i < 5; ++i) {
+        const int v = int(IniReadInt({}, QStringLiteral("Farben"), QString::fromLatin1(kFarbenKeys[i])));
+        if (v != 0) SetButtonColour(i, v);
+    }
+    RestoreWindowPos(this, QStringLiteral("BZKarte"));
+    timer1_.start();
+    SetCompanionOpen(m_, Companion::BZKarte, menuEntry_, true);
+}
+
+int BZKarte::ButtonColour(int i) const {
+    return int(BackColourOf(buttons_[size_t(i)]));
+}
+
+void BZKarte::SetButtonColour(int i, int bgr) {
+    SetBackColour(buttons_[size_t(i)], quint32(bgr));
+}
+
+MapColours BZKarte::Colours() const {
+    MapColours c;
+    for (int i = 0; i < 5; ++i)
+        MapColour(c, i) = ButtonColour(i);
+    return c;
+}
+
+void BZKarte::LoadMap() {
+    map_ = LoadMapImage(m_.DataFolder + QStringLiteral("BZ_Karte.gif"));
+}
+
+void BZKarte::ShowMap() {
+    picture1_->setPixmap(QPixmap::fromImage(map_));
+    picture1_->resize(map_.size());
+    if (image1_->isVisible()) image1_->setPixmap(QPixmap::fromImage(map_));
+}
+
+QImage BZKarte::HalfView() const {
+    if (!image1_->isVisible()) return {};
+    return image1_->pixmap().toImage().scaled(image1_->size());
+}
+
+bool BZKarte::HalfSize() const {
+    return image1_->isVisible();
+}
+
+void BZKarte::FitWindow() {
+    if (image1_->isVisible()) {
+        resize(image1_->size());
+        return;
+    }
+    const int frame = 2 * picture2_->frameWidth();
+    resize(map_.width() + frame, map_.height() + frame + picture3_->sizeHint().height());
+}
+
+void BZKarte::Fuellen(const QString& code) {
+    if (combo1_->currentIndex() > -1) {
+        timer1_.start();
+        return;
+    }
+    if (FuellenImage(map_, m_, code, Colours())) ShowMap();
+}
+
+void BZKarte::Fuellen2(const QString& code, int filter) {
+    Fuellen2Image(map_, m_, code, filter, Colours());
+}
+
+void BZKarte::Combo1Click(int row) {
+    if (row == 0) {
+        timer1_.start();
+        return;
+    }
+    if (row < 1 || row > 8) return;
+    LoadMap();
+    for (size_t i = 1; i < m_.BezirkRecords.size(); ++i) {
+        const BezirkRecord& b = m_.BezirkRecords[i];
+        if (FilterMatches(b, row)) Fuellen2(b.Code, row);
+    }
+    ShowMap();
+}
+
+void BZKarte::Timer1Tick() {
+    if (combo1_->currentIndex() != -1) combo1_->setCurrentIndex(-1);
+    LoadMap();
+    if (!image1_->isVisible()) FitWindow();
+    PaintStandard(map_, m_, Colours());
+    ShowMap();
+    timer1_.stop();
+}
+
+void BZKarte::CommandClick(int i) {
+    const int colour = dialogs_.SelectColor(ButtonColour(i), false);
+    if (colour == -1) return;
+    if (colour == 0) {
+        dialogs_.MsgBox(QStringLiteral("Die Farbe schwarz ist nicht möglich!"), Msg::Information);
+        return;
+    }
+    SetButtonColour(i, colour);
+    IniWrite({}, QStringLiteral("Farben"), QString::fromLatin1(kFarbenKeys[i]), ButtonColour(i));
+    if (i == 4) return;
+    if (i <= 2) timer1_.start();
+    if (colourChanged) colourChanged(i, colour);
+}
+
+void BZKarte::Check1Click() {
+    if (check1_->isChecked()) {
+        image1_->setFixedSize(map_.width() / 2, map_.height() / 2);
+        picture3_->hide();
+        picture2_->hide();
+        image1_->show();
+        image1_->setPixmap(QPixmap::fromImage(map_));
+        command6_->show();
+        resize(image1_->width(), image1_->height() + command6_->sizeHint().height());
+    } else {
+        Command6Click();
+    }
+}
+
+void BZKarte::Command6Click() {
+    picture2_->show();
+    image1_->hide();
+    check1_->setChecked(false);
+    picture3_->show();
+    command6_->hide();
+    FitWindow();
+}
+
+QString BZKarte::PrintHeading() const {
+    const int row = combo1_->currentIndex();
+    return combo1_->itemText(row > -1 ? row : 0);
+}
+
+void BZKarte::DrawPrint(QPrinter& printer) const {
+    QPainter p(&printer);
+    const double dotsPerMm = printer.resolution() / 25.4;
+    QFont font(QStringLiteral("Arial"));
+    font.setPointSizeF(15);
+    p.setFont(font);
+    p.drawText(QPointF(50 * dotsPerMm, 10 * dotsPerMm + QFontMetricsF(font, &printer).ascent()),
+               PrintHeading());
+    // The map at 90 % of its size in millimetres (96 pixels to the inch).
+    const double wMm = map_.width() * 25.4 / 96 * 0.9;
+    const double hMm = map_.height() * 25.4 / 96 * 0.9;
+    p.drawImage(QRectF(0, 20 * dotsPerMm, wMm * dotsPerMm, hMm * dotsPerMm), map_);
+}
+
+bool BZKarte::Command7Click(QString* pdfPath) {
+    if (dialogs_.MsgBox(QStringLiteral("Soll die aktuelle Karte auf dem Standarddrucker ausgegeben werden?"),
+                        Msg::Question | Msg::OkCancel) == Msg::Cancel)
+        return false;
+    return PrintPage(
+        dialogs_, QPageLayout::Landscape, QStringLiteral("Bezirke Karte"),
+        [this](QPrinter& printer) { DrawPrint(printer); }, pdfPath);
+}
+
+void BZKarte::Command8Click() {
+    if (bringOthersToFront) bringOthersToFront();
+}
+
+void BZKarte::closeEvent(QCloseEvent* event) {
+    SaveWindowPos(this, QStringLiteral("BZKarte"));
+    timer1_.stop();
+    SetCompanionOpen(m_, Companion::BZKarte, menuEntry_, false);
+    event->accept();
+}
+
+} // namespace kolibrino

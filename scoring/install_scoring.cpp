@@ -1,0 +1,176 @@
+#include "scoring/install_scoring.h"
+
+#include "entry/main_window.h"
+#include "scoring/bezirke_liste.h"
+#include "scoring/bz_karte.h"
+#include "scoring/grid_karte.h"
+#include "scoring/statistik_window.h"
+#include "ui/window_support.h"
+
+#include <QAction>
+#include <QPointer>
+
+namespace kolibrino {
+
+namespace {
+
+// The scoring windows of one main window; a child of it, so it lives as long.
+class ScoringHub : public QObject {
+public:
+    ScoringHub(HauptForm& w, Model& m, Dialogs& d, const TimeSource& clock)
+        : QObject(&w), w_(w), m_(m), d_(d), clock_(clock) {
+        setObjectName(QStringLiteral("ScoringHub"));
+    }
+
+    void Toggle(Companion id) {
+        if (OpenFlag(m_, id)) {
+            if (QWidget* win = Window(id)) win->close();
+            return;
+        }
+        QAction* entry = w_.Action(QString::fromLatin1(CompanionOf(id).menuEntry));
+        QWidget* win = nullptr;
+        if (id == Companion::Statistik) {
+            auto* s = new Statistik(m_, d_, clock_, entry, &w_);
+            if (w_.openUrl) s->openUrl = w_.openUrl;
+            statistik = s;
+            s->Load();
+            win = s;
+        } else if (id == Companion::GridKarte) {
+            auto* g = new GridKarte(m_, d_, entry, &w_);
+            gridKarte = g;
+            g->colourChanged = [this](int button, int bgr) {
+                if (bzKarte) {
+                    bzKarte->SetButtonColour(button, bgr);
+                    bzKarte->Timer1().start();
+                }
+                if (statistik) statistik->FarbenLaden();
+            };
+            g->Load();
+            win = g;
+        } else {
+            auto* k = new BZKarte(m_, d_, entry, &w_);
+            bzKarte = k;
+            k->colourChanged = [this](int button, int bgr) {
+                if (button <= 2 && gridKarte) gridKarte->SetButtonColour(button, bgr);
+                if (statistik) {
+                    statistik->FarbenLaden();
+                    statistik->Timer1().start();
+                }
+                if (button <= 2 && gridKarte) gridKarte->Timer1().start();
+            };
+            k->bringOthersToFront = [this] {
+                for (const Companion c : {Companion::Frequenz, Companion::Statistik, Companion::Transceiver,
+                                          Companion::LogTracker, Companion::GridKarte, Companion::DBLog})
+                    if (OpenFlag(m_, c))
+                        if (QWidget* other = OtherWindow(c)) other->raise();
+                w_.raise();
+                w_.activateWindow();
+            };
+            k->Load();
+            win = k;
+        }
+        w_.RegisterCompanion(id, win);
+        win->show();
+        if (id == Companion::BZKarte) {
+            w_.raise();
+            w_.activateWindow();
+        }
+    }
+
+    QWidget* Window(Companion id) const {
+        switch (id) {
+        case Companion::Statistik:
+            return statistik;
+        case Companion::GridKarte:
+            return gridKarte;
+        case Companion::BZKarte:
+            return bzKarte;
+        default:
+            return nullptr;
+        }
+    }
+    // A window of another subsystem, found by its object name among the top levels.
+    QWidget* OtherWindow(Companion id) const {
+        if (QWidget* mine = Window(id)) return mine;
+        for (QObject* child : w_.children()) {
+            auto* win = qobject_cast<QWidget*>(child);
+            if (win && win->isWindow() && win->objectName() == QLatin1String(CompanionOf(id).name))
+                return win;
+        }
+        return nullptr;
+    }
+
+    HauptForm& w_;
+    Model& m_;
+    Dialogs& d_;
+    const TimeSource& clock_;
+    QPointer<Statistik> statistik;
+    QPointer<GridKarte> gridKarte;
+    QPointer<BZKarte> bzKarte;
+};
+
+ScoringHub* HubOf(HauptForm& w) {
+    return w.findChild<ScoringHub*>(QStringLiteral("ScoringHub"), Qt::FindDirectChildrenOnly);
+}
+
+bool Mine(Companion id) {
+    return id == Companion::Statistik || id == Companion::GridKarte || id == Companion::BZKarte;
+}
+
+} // namespace
+
+void InstallScoring(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource& clock) {
+    auto* hub = new ScoringHub(w, m, dialogs, clock);
+    auto previous = w.companionOpener;
+    w.companionOpener = [hub, previous](Companion id) {
+        if (Mine(id))
+            hub->Toggle(id);
+        else if (previous)
+            previous(id);
+    };
+    for (const Companion id : {Companion::Statistik, Companion::GridKarte, Companion::BZKarte})
+        if (QAction* a = w.Action(QString::fromLatin1(CompanionOf(id).menuEntry))) {
+            a->setEnabled(true);
+            // Qt flips the check mark on the click; the open flag decides it.
+            QObject::connect(a, &QAction::triggered, hub, [a, &m, id] { a->setChecked(OpenFlag(m, id)); });
+        }
+    if (QAction* a = w.Action(QStringLiteral("MnBezirkeListe"))) {
+        a->setEnabled(true);
+        QObject::connect(a, &QAction::triggered, hub, [&w, &m, &dialogs] {
+            BezirkeListe liste(m, dialogs, &w);
+            liste.exec();
+        });
+    }
+    w.bzKarteFuellen = [hub](const QString& code) {
+        if (hub->bzKarte) hub->bzKarte->Fuellen(code);
+    };
+    w.gridKarteCellColor = [hub](const QString& code, int state, const QString& prefix) {
+        if (hub->gridKarte) hub->gridKarte->GridCellColor(code, state, prefix);
+    };
+    QObject::connect(&w, &HauptForm::statistikRefreshRequested, hub, [hub] {
+        if (hub->statistik) hub->statistik->Timer1().start();
+    });
+    QObject::connect(&w, &HauptForm::bzKarteRefreshRequested, hub, [hub] {
+        if (hub->bzKarte) hub->bzKarte->Timer1().start();
+    });
+    QObject::connect(&w, &HauptForm::gridKarteRefreshRequested, hub, [hub] {
+        if (hub->gridKarte) hub->gridKarte->Timer1().start();
+    });
+}
+
+Statistik* OpenStatistik(HauptForm& w) {
+    ScoringHub* hub = HubOf(w);
+    return hub ? hub->statistik.data() : nullptr;
+}
+
+GridKarte* OpenGridKarte(HauptForm& w) {
+    ScoringHub* hub = HubOf(w);
+    return hub ? hub->gridKarte.data() : nullptr;
+}
+
+BZKarte* OpenBZKarte(HauptForm& w) {
+    ScoringHub* hub = HubOf(w);
+    return hub ? hub->bzKarte.data() : nullptr;
+}
+
+} // namespace kolibrino
