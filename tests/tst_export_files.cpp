@@ -1,0 +1,343 @@
+// The Cabrillo and ADIF writers: hand-worked golden files byte for byte, every edge
+// of the two formats, the menu flows through scripted dialogs, and the command line.
+#include "core/log_file.h"
+#include "core/scripted_dialogs.h"
+#include "entry/log_grid_model.h"
+#include "export/adif.h"
+#include "export/cabrillo.h"
+#include "export/export_common.h"
+#include "test_support.h"
+
+#include <QProcess>
+
+using namespace kolibrino;
+using namespace kolibrino::exporting;
+using namespace kolibrino::test;
+
+namespace {
+
+ScoreFunction Score(long value) {
+    return [value](const Model&) { return std::optional<long>(value); };
+}
+
+ScoreFunction NoScore() {
+    return [](const Model&) { return std::optional<long>(); };
+}
+
+// One grid row with the texts a typed contact leaves.
+GridRow Row(const QString& zeit, const QString& band, const QString& mode, const QString& call,
+            const QString& bezirk, const QString& op, const QString& freq, bool dupe = false) {
+    GridRow r;
+    auto& c = r.cells;
+    c[0] = QStringLiteral("01.05.2026");
+    c[1] = zeit;
+    c[2] = band;
+    c[3] = mode;
+    c[4] = call;
+    c[5] = QStringLiteral("59");
+    c[6] = QStringLiteral("59");
+    c[7] = bezirk;
+    c[8] = QStringLiteral("0");
+    c[10] = op;
+    if (dupe) c[11] = QStringLiteral("Dupe");
+    c[14] = freq;
+    return r;
+}
+
+QStringList Lines(const QString& text) {
+    return text.split(QStringLiteral("\r\n"));
+}
+
+} // namespace
+
+class TstExportFiles : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<Home> home;
+    std::unique_ptr<LogGridModel> grid;
+
+    void Load(const QString& fixture) {
+        ScriptedDialogs d;
+        QVERIFY(LoadLog(home->model, d, FixturePath(fixture)));
+        DatenInGrid1Neu(home->model, *grid);
+    }
+    CabrilloSource Src() { return CabrilloSource{home->model, *grid, home->model.Header.MYBZ, 2026}; }
+    void Header() {
+        home->model.Header.MYCALL = QStringLiteral("OE1ABC");
+        home->model.Header.MYBZ = QStringLiteral("WI");
+    }
+
+private slots:
+    void init() {
+        PinLocale();
+        home = std::make_unique<Home>();
+        grid = std::make_unique<LogGridModel>(home->model.Formats);
+    }
+    void cleanup() {
+        grid.reset();
+        home.reset();
+    }
+
+    void goldenCabrillo_data() {
+        QTest::addColumn<QString>("log");
+        QTest::addColumn<int>("score");
+        QTest::newRow("newcomer with licence date, dupe, empty district") << "export_a" << 1234;
+        QTest::newRow("state station with 30 m rows and nested operators") << "export_b" << 56;
+        QTest::newRow("only 30 m rows") << "export_c" << 0;
+    }
+    void goldenCabrillo() {
+        QFETCH(QString, log);
+        QFETCH(int, score);
+        Load(log + QStringLiteral(".KOLBO"));
+        const auto bytes = BuildCabrilloBytes(Src(), Score(score));
+        QVERIFY(bytes);
+        QCOMPARE(*bytes, ReadBytes(FixturePath(log + QStringLiteral(".expected.log"))));
+    }
+    void goldenAdif_data() {
+        QTest::addColumn<QString>("log");
+        QTest::newRow("newcomer") << "export_a";
+        QTest::newRow("state station") << "export_b";
+        QTest::newRow("only 30 m") << "export_c";
+    }
+    void goldenAdif() {
+        QFETCH(QString, log);
+        Load(log + QStringLiteral(".KOLBO"));
+        QCOMPARE(BuildAdifBytes(home->model, *grid, home->model.Header.MYBZ),
+                 ReadBytes(FixturePath(log + QStringLiteral(".expected.adi"))));
+    }
+
+    // Cabrillo edges.
+    void shortDistrictLeavesItsBlanksBeforeTheNextLine() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "", "OE1ABC", "3700"));
+        grid->AppendRow(Row("05:01", "80m", "SSB", "OE3BBB", "MD", "OE1ABC", "3700"));
+        const QString text = *BuildCabrillo(Src(), Score(1));
+        QVERIFY(text.contains(QStringLiteral("OE3AAA        59  \r\n  QSO:  3700")));
+        QVERIFY(text.contains(QStringLiteral("OE3BBB        59  MD\r\nEND-OF-LOG:")));
+    }
+    void onlyThirtyMetreRowsGiveAnEmptyLineAndNoOperators() {
+        Header();
+        grid->AppendRow(Row("05:00", "30m", "CW", "OE3AAA", "MD", "OE1ABC", "10120"));
+        const QStringList l = Lines(*BuildCabrillo(Src(), Score(1)));
+        const qsizetype i = l.indexOf(QStringLiteral("OPERATORS: "));
+        QVERIFY(i > 0);
+        QCOMPARE(l[i + 1], QString());
+        QCOMPARE(l[i + 2], QStringLiteral("END-OF-LOG:"));
+    }
+    void rowAtTwelveIsPeriodTwo() {
+        Header();
+        grid->AppendRow(Row("11:59", "40m", "SSB", "OE3AAA", "MD", "OE1ABC", "7050"));
+        grid->AppendRow(Row("12:00", "40m", "SSB", "OE3BBB", "MD", "OE1ABC", "7050"));
+        QCOMPARE(CabrilloQsoLine(Src(), 0).mid(29, 3), QStringLiteral(" 1 "));
+        QCOMPARE(CabrilloQsoLine(Src(), 1).mid(29, 3), QStringLiteral(" 2 "));
+    }
+    void licenceDateOnlyForClassThreeStraightAfterCategory() {
+        Header();
+        home->model.Header.MYEXAMDAT = QStringLiteral("02.04.2024");
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        for (int klasse = 0; klasse <= 5; ++klasse) {
+            for (int pwr = 0; pwr <= 2; ++pwr) {
+                home->model.Header.MYWERTUNGSST = klasse;
+                home->model.Header.MYPWR = pwr;
+                const QStringList l = Lines(*BuildCabrillo(Src(), Score(1)));
+                const qsizetype i = l.indexOf(QStringLiteral("LICENSE-DATE: 2024-04-02"));
+                if (klasse == 3 && pwr <= 1) {
+                    QVERIFY(i > 0);
+                    QVERIFY(l[i - 1].startsWith(QStringLiteral("CATEGORY: ")));
+                    QVERIFY(l[i + 1].startsWith(QStringLiteral("CLAIMED-SCORE: ")));
+                } else {
+                    QCOMPARE(i, -1);
+                }
+            }
+        }
+    }
+    void commentLineWithoutLineEndIsLost() {
+        Header();
+        home->model.Header.MYSTATION = QStringLiteral("ohne Zeilenende");
+        home->model.Header.MYKOMMENT = QStringLiteral("  eins  \r\nzwei\r\ndrei");
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        const QString text = *BuildCabrillo(Src(), Score(1));
+        QVERIFY(text.contains(QStringLiteral("\r\nSOAPBOX: eins\r\nSOAPBOX: zwei\r\nQSO:")));
+        QVERIFY(!text.contains(QStringLiteral("drei")));
+        QVERIFY(!text.contains(QStringLiteral("ohne Zeilenende")));
+    }
+    void scoreIsTakenAsGivenWithoutWaiting() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        int calls = 0;
+        const auto text = BuildCabrillo(Src(), [&](const Model&) {
+            ++calls;
+            return std::optional<long>(4711);
+        });
+        QCOMPARE(calls, 1);
+        QVERIFY(text->contains(QStringLiteral("\r\nCLAIMED-SCORE: 4711\r\n")));
+    }
+    void longerOperatorMetFirstHidesTheShorterOne() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABCD", "3700"));
+        grid->AppendRow(Row("05:01", "80m", "SSB", "OE3BBB", "MD", "OE1ABC", "3700"));
+        grid->AppendRow(Row("05:02", "80m", "SSB", "OE3CCC", "MD", "OE9X", "3700"));
+        QVERIFY(BuildCabrillo(Src(), Score(1))->contains(QStringLiteral("\r\nOPERATORS: OE1ABCD OE9X\r\n")));
+        grid->Clear();
+        grid->AppendRow(Row("05:01", "80m", "SSB", "OE3BBB", "MD", "OE1ABC", "3700"));
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABCD", "3700"));
+        QVERIFY(
+            BuildCabrillo(Src(), Score(1))->contains(QStringLiteral("\r\nOPERATORS: OE1ABC OE1ABCD\r\n")));
+    }
+    void qsoLineHasItsFixedColumnsAndCutsLongValues() {
+        Header();
+        grid->AppendRow(Row("15:00", "80m", "SSB", "TESTCALL", "BR", "OE1ABC", "3700"));
+        grid->AppendRow(Row("15:00", "80m", "CW", "OE1VERYLONGCALL12", "BRX", "OE1ABC", "3512.5"));
+        home->model.Header.MYCALL = QStringLiteral("TESTCALL");
+        home->model.Header.MYBZ = QStringLiteral("BR");
+        QCOMPARE(CabrilloQsoLine(Src(), 0),
+                 QStringLiteral("QSO:  3700 PH 2026-05-01 1500 2 TESTCALL      59  BR TESTCALL      59  BR"));
+        QCOMPARE(CabrilloQsoLine(Src(), 0).size() + 2, 75);
+        QCOMPARE(CabrilloQsoLine(Src(), 1),
+                 QStringLiteral("QSO: 3512. CW 2026-05-01 1500 2 TESTCALL      59  BR OE1VERYLONGCA 59  BR"));
+    }
+    void dupesStandInTheCabrilloFile() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        grid->AppendRow(Row("05:01", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700", true));
+        QCOMPARE(BuildCabrillo(Src(), Score(1))->count(QStringLiteral("OE3AAA")), 2);
+    }
+    void scoreFailureLeavesNoFileAndSaysSo() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        const QString path = home->Path(QStringLiteral("alt.log"));
+        WriteBytes(path, "alter Inhalt");
+        QCOMPARE(WriteCabrillo(Src(), NoScore(), path), CabrilloResult::ScoreFailed);
+        QVERIFY(!QFile::exists(path));
+        QCOMPARE(QDir(home->dir.path()).entryList(QDir::Files), QStringList());
+
+        ScriptedDialogs d;
+        d.AnswerPath(path);
+        ExportCabrilloMenu(d, Src(), NoScore(), home->model.LogFolder, {});
+        QCOMPARE(d.boxes.size(), 1);
+        QCOMPARE(d.boxes[0].text, QStringLiteral("Fehler im LOG, Cabrillo kann nicht erzeugt werden!"));
+        QCOMPARE(d.boxes[0].flags, int(Msg::Critical));
+        QVERIFY(!QFile::exists(path));
+    }
+    void menuAddsTheExtensionAndAsksToOpenTheFile() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        ScriptedDialogs d;
+        d.AnswerPath(QStringLiteral("  ") + home->Path(QStringLiteral("mein")) + QStringLiteral("  "));
+        d.AnswerMsgBox(Msg::Yes);
+        QString opened;
+        ExportCabrilloMenu(d, Src(), Score(9), home->model.LogFolder, [&](const QString& p) { opened = p; });
+        const QString path = home->Path(QStringLiteral("mein.LOG"));
+        QCOMPARE(opened, path);
+        QCOMPARE(d.boxes.size(), 1);
+        QCOMPARE(d.boxes[0].text, QStringLiteral("Datei gespeichert unter\n") + path +
+                                      QStringLiteral("\n\nSoll die Datei im Editor geöffnet werden?"));
+        QCOMPARE(ReadBytes(path), *BuildCabrilloBytes(Src(), Score(9)));
+        QCOMPARE(SaveNameWithExtension(QStringLiteral("x.log"), QStringLiteral(".LOG")),
+                 QStringLiteral("x.log"));
+    }
+    void emptyLogDeletesTheChosenFileAndSaysSo() {
+        Header();
+        const QString path = home->Path(QStringLiteral("leer.log"));
+        WriteBytes(path, "alt");
+        ScriptedDialogs d;
+        d.AnswerPath(path);
+        ExportCabrilloMenu(d, Src(), Score(1), home->model.LogFolder, {});
+        QVERIFY(!QFile::exists(path));
+        QCOMPARE(d.LastBox()->text, QStringLiteral("Keine Logeinträge vorhanden zu exportieren!"));
+        QCOMPARE(d.LastBox()->flags, int(Msg::Information));
+    }
+    void cancelledSaveDialogDoesNothing() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        ScriptedDialogs d;
+        ExportCabrilloMenu(d, Src(), Score(1), home->model.LogFolder, {});
+        ExportAdifMenu(d, home->model, *grid, QStringLiteral("WI"), {});
+        QVERIFY(d.boxes.isEmpty());
+    }
+
+    // ADIF edges.
+    void adifOfOnlyDupesIsTheHeaderAlone() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700", true));
+        grid->AppendRow(Row("05:01", "30m", "SSB", "OE3BBB", "MD", "OE1ABC", "10120", true));
+        const QStringList l = Lines(BuildAdif(home->model, *grid, QStringLiteral("WI")));
+        QCOMPARE(l.size(), 6);
+        QCOMPARE(l[4], QStringLiteral("<EOH>"));
+        QCOMPARE(l[5], QString());
+    }
+    void adifContactWithoutFrequencyHasNoFreqTag() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", ""));
+        QVERIFY(!AdifQsoLine(home->model, *grid, 0, QStringLiteral("WI")).contains(QStringLiteral("<FREQ")));
+    }
+    void adifFrequency3700Is3point700WithLength5() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        QVERIFY(AdifQsoLine(home->model, *grid, 0, QStringLiteral("WI"))
+                    .contains(QStringLiteral("<FREQ:5>3.700<")));
+        QCOMPARE(AdifFrequency(QStringLiteral("370")), QStringLiteral("370"));
+        QCOMPARE(AdifFrequency(QStringLiteral("10120")), QStringLiteral("10.120"));
+    }
+    void adifOperatorEqualToOwnCallWritesOperatorAlone() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        grid->AppendRow(Row("05:01", "80m", "SSB", "OE3BBB", "MD", "OE1XYZ", "3700"));
+        const QString own = AdifQsoLine(home->model, *grid, 0, QStringLiteral("WI"));
+        QVERIFY(!own.contains(QStringLiteral("STATION_CALLSIGN")));
+        QVERIFY(own.contains(QStringLiteral("<OPERATOR:6>OE1ABC<EOR>")));
+        QVERIFY(AdifQsoLine(home->model, *grid, 1, QStringLiteral("WI"))
+                    .contains(QStringLiteral("<STATION_CALLSIGN:6>OE1ABC<OPERATOR:6>OE1XYZ<EOR>")));
+    }
+    void adifMenuWritesTheFileWithItsExtension() {
+        Header();
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3AAA", "MD", "OE1ABC", "3700"));
+        ScriptedDialogs d;
+        d.AnswerPath(home->Path(QStringLiteral("mein")));
+        d.AnswerMsgBox(Msg::No);
+        ExportAdifMenu(d, home->model, *grid, QStringLiteral("WI"), {});
+        QCOMPARE(ReadBytes(home->Path(QStringLiteral("mein.ADI"))),
+                 BuildAdifBytes(home->model, *grid, QStringLiteral("WI")));
+    }
+
+    // The command line writes what the menus write for the log as loaded.
+    void commandLineWritesTheSameBytes_data() {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("cabrillo") << "cabrillo"
+                                  << "export_a.expected.log";
+        QTest::newRow("adif") << "adif"
+                              << "export_a.expected.adi";
+    }
+    void commandLineWritesTheSameBytes() {
+        QFETCH(QString, command);
+        QFETCH(QString, expected);
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("KOLIBRINO_HOME"), home->dir.path());
+        p.setProcessEnvironment(env);
+        p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"),
+                {command, FixturePath(QStringLiteral("export_a.KOLBO"))});
+        QVERIFY(p.waitForFinished(60000));
+        QCOMPARE(p.exitCode(), 0);
+        QByteArray want = ReadBytes(FixturePath(expected));
+        // The command line claims the result window's total, as "kolibrino-cli score"
+        // gives it for the same log, and its year is the clock's.
+        QProcess score;
+        score.setProcessEnvironment(env);
+        score.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"),
+                    {QStringLiteral("score"), FixturePath(QStringLiteral("export_a.KOLBO"))});
+        QVERIFY(score.waitForFinished(60000));
+        QCOMPARE(score.exitCode(), 0);
+        QByteArray total;
+        for (const QByteArray& line : score.readAllStandardOutput().split('\n'))
+            if (line.startsWith("Punkte gesamt: ")) total = line.mid(15).trimmed();
+        QVERIFY(!total.isEmpty());
+        want.replace("CLAIMED-SCORE: 1234", "CLAIMED-SCORE: " + total);
+        want.replace(", 2026 by", ", " + QByteArray::number(QDate::currentDate().year()) + " by");
+        QCOMPARE(p.readAllStandardOutput(), want);
+    }
+};
+
+QTEST_GUILESS_MAIN(TstExportFiles)
+#include "tst_export_files.moc"

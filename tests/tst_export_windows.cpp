@@ -1,0 +1,300 @@
+// Export and submission from the main window's menus: the entries switched on, the
+// Cabrillo and ADIF files, sending the open log and a foreign file to a real loopback
+// server with the busy panel up while the transfer runs, the connection test, and the
+// printout into a PDF read back with pdftotext.
+#include "export/export_menus.h"
+#include "export/printout_text.h"
+#include "export/submission.h"
+#include "tst_main_window_support.h"
+#include "upload_server.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QLabel>
+#include <QProcess>
+#include <QTimer>
+
+using namespace kolibrino;
+using namespace kolibrino::exporting;
+using namespace kolibrino::test;
+
+namespace {
+
+std::vector<QsoRecord> SomeContacts(int n) {
+    std::vector<QsoRecord> r;
+    for (int i = 0; i < n; ++i) {
+        const int band = i % 7 == 6 ? 30 : i % 2 ? 80 : 40;
+        QsoRecord q =
+            MakeRecord(QStringLiteral("OE3A%1").arg(i, 3, 10, QLatin1Char('0')), band, QStringLiteral("MD"),
+                       QTime(5, 0).addSecs(60 * (i % 170)).toString(QStringLiteral("HH:mm:ss")));
+        if (i % 10 == 9) q.Status = Status::Dupe;
+        r.push_back(q);
+    }
+    return r;
+}
+
+} // namespace
+
+class TstExportWindows : public QObject {
+    Q_OBJECT
+
+    std::unique_ptr<WindowFixture> f;
+    std::unique_ptr<UploadServer> server;
+    ExportOptions options;
+
+    bool Start(const std::vector<QsoRecord>& records) {
+        f->WriteLog(QStringLiteral("test.KOLBO"), records);
+        qputenv("KOLIBRINO_LOG", "test.KOLBO");
+        f->window = std::make_unique<HauptForm>(f->home.model, f->dialogs, f->clock);
+        WindowFixture* fx = f.get();
+        f->window->openUrl = [fx](const QUrl& u) {
+            fx->opened << u;
+            return true;
+        };
+        InstallExport(*f->window, f->home.model, f->dialogs, f->clock, options);
+        return f->window->Load();
+    }
+    void Trigger(const char* name) { f->window->Action(QString::fromLatin1(name))->trigger(); }
+    QString SentFile() const { return f->home.model.LogFolder + QStringLiteral("test.log"); }
+    void UseServer() { f->Ini(QStringLiteral("Server"), QStringLiteral("LogServer"), server->Host()); }
+
+private slots:
+    void initTestCase() { PinLocale(); }
+    void init() {
+        f = std::make_unique<WindowFixture>();
+        server = std::make_unique<UploadServer>();
+        QVERIFY(server->WaitReady());
+        options = ExportOptions{};
+        options.score = [](const Model&) { return std::optional<long>(321); };
+        options.timeouts = net::HttpTimeouts{2000, 3000};
+        options.pingMs = 1000;
+        f->dialogs.Clear();
+    }
+    void cleanup() {
+        // The offer to send the log at closing is not part of these cases.
+        if (f->window) f->window->logEinsenden = nullptr;
+        f.reset();
+        server.reset();
+    }
+
+    void menuEntriesAreSwitchedOn() {
+        QVERIFY(Start(SomeContacts(3)));
+        for (const char* name :
+             {"MnLogExportierenCabrillo", "MnLogExportierenADIF", "MnLogHochladen", "MnLogEinsenden",
+              "MnLogServerUploadTest", "MnLogDrucken", "MnEingesendeteLogsAnzeigen"})
+            QVERIFY2(f->window->Action(QString::fromLatin1(name))->isEnabled(), name);
+    }
+    void cabrilloMenuWritesTheGridAsItStands() {
+        QVERIFY(Start(SomeContacts(5)));
+        f->window->Sortieren(GridSort::RufzeichenAb);
+        f->dialogs.AnswerPath(f->home.Path(QStringLiteral("export")));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        Trigger("MnLogExportierenCabrillo");
+        const QByteArray bytes = ReadBytes(f->home.Path(QStringLiteral("export.LOG")));
+        QVERIFY(bytes.contains("CLAIMED-SCORE: 321\r\n"));
+        QVERIFY(bytes.indexOf("OE3A004") < bytes.indexOf("OE3A000"));
+        QCOMPARE(f->opened.value(0), QUrl::fromLocalFile(f->home.Path(QStringLiteral("export.LOG"))));
+    }
+    void adifMenuWritesTheFile() {
+        QVERIFY(Start(SomeContacts(3)));
+        f->dialogs.AnswerPath(f->home.Path(QStringLiteral("export")));
+        f->dialogs.AnswerMsgBox(Msg::No);
+        Trigger("MnLogExportierenADIF");
+        QVERIFY(ReadBytes(f->home.Path(QStringLiteral("export.ADI"))).contains("<CALL:7>OE3A000"));
+    }
+
+    void sendingTheOpenLogSucceedsAndOffersTheList() {
+        UseServer();
+        QVERIFY(Start(SomeContacts(4)));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        Trigger("MnLogEinsenden");
+        QCOMPARE(f->dialogs.boxes.size(), 2);
+        QCOMPARE(f->dialogs.boxes[1].text, SentText());
+        QCOMPARE(f->dialogs.boxes[1].flags, int(Msg::YesNo | Msg::Information));
+        QCOMPARE(f->opened.value(0), QUrl(QStringLiteral("http://%1/cgi-bin/show.cgi").arg(server->Host())));
+        QVERIFY(QFile::exists(SentFile())); // stays for mailing
+        QCOMPARE(server->Stored("logfile"), ReadBytes(SentFile()));
+        QCOMPARE(server->Stored("call_sign"), QByteArray("OE1XYZ"));
+    }
+    void busyPanelHoldsTheWindowWhileTheTransferRuns() {
+        SilentServer silent;
+        f->Ini(QStringLiteral("Server"), QStringLiteral("LogServer"), silent.Host());
+        QVERIFY(Start(SomeContacts(2)));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        f->dialogs.AnswerMsgBox(Msg::No);
+        QStringList seen;
+        QTimer probe;
+        connect(&probe, &QTimer::timeout, [&] {
+            for (QWidget* w : QApplication::topLevelWidgets())
+                if (w->objectName() == QLatin1String("Picture10") && w->isVisible())
+                    seen << w->findChild<QLabel*>(QStringLiteral("Label22"))->text();
+        });
+        probe.start(100);
+        Trigger("MnLogEinsenden");
+        probe.stop();
+        QVERIFY(seen.contains(QStringLiteral("LOG-Hochladen...")));
+        QCOMPARE(f->dialogs.LastBox()->text, UploadFailedText(SentFile(), QString()));
+        QVERIFY(f->opened.isEmpty());
+    }
+    void wrongEchoOffersTheFolder() {
+        UseServer();
+        server->SetMode("wrongmd5");
+        QVERIFY(Start(SomeContacts(2)));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        Trigger("MnLogEinsenden");
+        QVERIFY(f->dialogs.LastBox()->text.startsWith(
+            QStringLiteral("Das Hochladen des Logs ist fehlgeschlagen.")));
+        QCOMPARE(f->opened.value(0), QUrl::fromLocalFile(f->home.model.LogFolder));
+    }
+    void unreachableServerStopsTheSubmission() {
+        f->Ini(QStringLiteral("Server"), QStringLiteral("LogServer"),
+               QStringLiteral("127.0.0.1:%1").arg(FreePort()));
+        QVERIFY(Start(SomeContacts(2)));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        Trigger("MnLogEinsenden");
+        QCOMPARE(f->dialogs.LastBox()->text,
+                 QStringLiteral("Einsenden abgebrochen!\nServer nicht erreichbar!"));
+        QCOMPARE(f->dialogs.LastBox()->flags, int(Msg::Critical));
+    }
+    void emptyLogIsNotSent() {
+        UseServer();
+        QVERIFY(Start({}));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        Trigger("MnLogEinsenden");
+        QCOMPARE(f->dialogs.LastBox()->text,
+                 QStringLiteral("Einsenden abgebrochen!\nKeine Logeinträge vorhanden zu exportieren!"));
+        QCOMPARE(server->Requests(), 0);
+    }
+    void scoreFailureStopsTheSubmissionWithNoFile() {
+        UseServer();
+        options.score = [](const Model&) { return std::optional<long>(); };
+        QVERIFY(Start(SomeContacts(2)));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        Trigger("MnLogEinsenden");
+        QCOMPARE(f->dialogs.LastBox()->text,
+                 QStringLiteral("Fehler im LOG, Cabrillo kann nicht erzeugt werden!"));
+        QVERIFY(!QFile::exists(SentFile()));
+        QCOMPARE(server->Requests(), 0);
+    }
+    void answeringNoSendsNothing() {
+        UseServer();
+        QVERIFY(Start(SomeContacts(2)));
+        f->dialogs.AnswerMsgBox(Msg::No);
+        Trigger("MnLogEinsenden");
+        QCOMPARE(f->dialogs.boxes.size(), 1);
+        QVERIFY(!QFile::exists(SentFile()));
+    }
+    void foreignFileIsCheckedAndSent() {
+        UseServer();
+        QVERIFY(Start(SomeContacts(2)));
+        const QString foreign = f->home.Path(QStringLiteral("fremd/anders.log"));
+        WriteBytes(foreign, "START-OF-LOG: 3.0\r\nCALLSIGN: OE5FRM\r\nCATEGORY-OVERLAY: YL\r\n"
+                            "CATEGORY: HIGH-POWER CW\r\nLOCATION: LI\r\n"
+                            "QSO: 3520 CW 2026-05-01 0600 1 OE5FRM 599 LI OE3XYZ 599 MD\r\nEND-OF-LOG:\r\n");
+        f->dialogs.AnswerPath(foreign);
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        f->dialogs.AnswerMsgBox(Msg::No);
+        Trigger("MnLogHochladen");
+        QCOMPARE(f->dialogs.LastBox()->text, SentText());
+        QCOMPARE(server->Stored("logfile"), ReadBytes(foreign));
+        QCOMPARE(server->Stored("call_sign"), QByteArray("OE5FRM"));
+    }
+    void foreignFileFailingTheCheckShowsWhy() {
+        UseServer();
+        QVERIFY(Start(SomeContacts(2)));
+        const QString foreign = f->home.Path(QStringLiteral("anders.log"));
+        WriteBytes(foreign, "START-OF-LOG: 3.0\r\nCALLSIGN: OE5FRM\r\nEND-OF-LOG:\r\n");
+        f->dialogs.AnswerPath(foreign);
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        Trigger("MnLogHochladen");
+        QCOMPARE(f->dialogs.LastBox()->text,
+                 QStringLiteral("Die Datei ist kein gültiges Cabrillo-Log!\n"
+                                "Eintrag 'CATEGORY-OVERLAY:' fehlt.\nHochladen abgebrochen!"));
+        QCOMPARE(f->dialogs.LastBox()->flags, int(Msg::Information));
+        QCOMPARE(server->Requests(), 0);
+    }
+    void connectionTestSucceedsAndFails() {
+        UseServer();
+        QVERIFY(Start(SomeContacts(1)));
+        Trigger("MnLogServerUploadTest");
+        QCOMPARE(f->dialogs.LastBox()->text, TestSucceededText());
+        QCOMPARE(server->Stored("call_sign"), QByteArray("TESTCALL"));
+        server->SetMode("nomarker");
+        Trigger("MnLogServerUploadTest");
+        QCOMPARE(f->dialogs.LastBox()->text, TestFailedText());
+        QCOMPARE(f->dialogs.LastBox()->flags, int(Msg::Critical));
+    }
+    void noServerSetSendsNothing() {
+        QVERIFY(Start(SomeContacts(1)));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        Trigger("MnLogEinsenden");
+        QCOMPARE(f->dialogs.LastBox()->text, NoServerText());
+        QCOMPARE(server->Requests(), 0);
+    }
+
+    // The printout.
+    void emptyLogPrintsNothingAndSaysSo() {
+        options.pdfPath = f->home.Path(QStringLiteral("druck.pdf"));
+        QVERIFY(Start({}));
+        Trigger("MnLogDrucken");
+        QCOMPARE(f->dialogs.LastBox()->text,
+                 QStringLiteral("Es sind keine Logeinträge zum Drucken vorhanden!"));
+        QVERIFY(!QFile::exists(options.pdfPath));
+    }
+    void cancelPrintsNothing() {
+        options.pdfPath = f->home.Path(QStringLiteral("druck.pdf"));
+        QVERIFY(Start(SomeContacts(3)));
+        f->dialogs.AnswerMsgBox(Msg::Cancel);
+        Trigger("MnLogDrucken");
+        QCOMPARE(f->dialogs.boxes.size(), 1);
+        QVERIFY(f->dialogs.boxes[0].text.startsWith(
+            QStringLiteral("Soll das aktuelle Log auf dem Standarddrucker")));
+        QVERIFY(!QFile::exists(options.pdfPath));
+    }
+    void printoutToPdfHasPageMarksHeadingsAndEveryRow() {
+        options.pdfPath = f->home.Path(QStringLiteral("druck.pdf"));
+        const int n = 150;
+        QVERIFY(Start(SomeContacts(n)));
+        f->dialogs.AnswerMsgBox(Msg::Ok);
+        Trigger("MnLogDrucken");
+        QCOMPARE(f->dialogs.LastBox()->text, QStringLiteral("Das Log wurde gedruckt."));
+        QProcess p;
+        p.start(QStringLiteral("pdftotext"),
+                {QStringLiteral("-layout"), options.pdfPath, QStringLiteral("-")});
+        QVERIFY(p.waitForFinished(60000));
+        const QStringList pages =
+            QString::fromUtf8(p.readAllStandardOutput()).split(QLatin1Char('\f'), Qt::SkipEmptyParts);
+        QVERIFY(pages.size() >= 2);
+        QList<int> perPage;
+        int dupes = 0, thirty = 0;
+        for (int i = 0; i < pages.size(); ++i) {
+            const QStringList lines = pages[i].split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+            QCOMPARE(lines.value(0).trimmed(), PrintPageMark(i + 1));
+            // pdftotext keeps the words of a line, not every blank between them.
+            QCOMPARE(lines.value(1).simplified(), PrintHeading().simplified());
+            QVERIFY(lines.value(2).trimmed().startsWith(QStringLiteral("-----")));
+            int rows = 0;
+            for (int l = 3; l < lines.size(); ++l) {
+                if (!lines[l].contains(QStringLiteral("OE3A"))) continue;
+                ++rows;
+                dupes += lines[l].contains(QStringLiteral("Dupe"));
+                thirty += lines[l].contains(QStringLiteral("30m"));
+            }
+            perPage << rows;
+        }
+        for (int i = 0; i + 1 < perPage.size(); ++i)
+            QCOMPARE(perPage[i], perPage[0]);
+        int total = 0;
+        for (int r : perPage)
+            total += r;
+        QCOMPARE(total, n);
+        QCOMPARE(dupes, n / 10);
+        QVERIFY(thirty > 0);
+        QVERIFY(pages.last().contains(QStringLiteral("OE3A149")));
+    }
+};
+
+QTEST_MAIN(TstExportWindows)
+#include "tst_export_windows.moc"
