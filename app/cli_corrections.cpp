@@ -1,0 +1,139 @@
+// kolibrino-cli delete FILE ROW
+// kolibrino-cli edit FILE ROW FIELD=VALUE...
+//
+// ROW counts from 1 in the grid sorted by time ascending, as the window shows the log
+// after a load. Both go through the same logic as the windows.
+#include "app/cli_corrections.h"
+
+#include "app/console_dialogs.h"
+#include "core/clock.h"
+#include "core/log_file.h"
+#include "core/tallies.h"
+#include "core/vb_text.h"
+#include "corrections/delete_entry.h"
+#include "corrections/edit_entry.h"
+#include "entry/log_grid_model.h"
+
+#include <QMap>
+#include <cstdio>
+
+namespace kolibrino {
+namespace {
+
+// The console's boxes, with the delete question answered Yes.
+class CliDialogs final : public Dialogs {
+public:
+    int MsgBox(const QString& text, int flags, const QString& title) override {
+        if (text == corrections::kMsgLoeschenFrage) return Msg::Yes;
+        return console_.MsgBox(text, flags, title);
+    }
+    std::optional<QString> InputBox(const QString& p, const QString& t, const QString& d) override {
+        return console_.InputBox(p, t, d);
+    }
+    QString OpenDialog(const QString&, const QString&, const QString&) override { return {}; }
+    QString SaveDialog(const QString&, const QString&, const QString&) override { return {}; }
+    QString BrowseFolder(const QString&, const QString&) override { return {}; }
+    int SelectColor(int, bool) override { return -1; }
+    void SetBusy(bool) override {}
+    void Beep() override {}
+
+private:
+    ConsoleDialogs console_;
+};
+
+void Err(const QString& text) {
+    std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+}
+
+int Row(const QString& text, const LogGridModel& grid) {
+    bool ok = false;
+    const int row = text.toInt(&ok);
+    if (!ok || row < 1 || row > grid.DataRows()) return -1;
+    return row - 1;
+}
+
+bool SetField(corrections::EditFields& f, const QString& name, const QString& value) {
+    if (name == QLatin1String("datum"))
+        f.datum = value;
+    else if (name == QLatin1String("zeit"))
+        f.zeit = value;
+    else if (name == QLatin1String("band")) {
+        f.band = value;
+        f.bandIndex = -1;
+        for (int i = 0; i < 3; ++i)
+            if (value == QLatin1String(kBandNames[i])) f.bandIndex = i;
+    } else if (name == QLatin1String("mode"))
+        f.mode = value;
+    else if (name == QLatin1String("rufzeichen"))
+        f.call = value;
+    else if (name == QLatin1String("rsts"))
+        f.rstGesendet = value;
+    else if (name == QLatin1String("rste"))
+        f.rstEmpfangen = value;
+    else if (name == QLatin1String("bz"))
+        f.bezirk = value;
+    else if (name == QLatin1String("qsl"))
+        f.qsl = TrimBlanks(value) == QLatin1String("0") || value.isEmpty() ? 0 : 1;
+    else if (name == QLatin1String("notiz"))
+        f.notiz = value;
+    else if (name == QLatin1String("opcall"))
+        f.opCall = value;
+    else if (name == QLatin1String("qrg")) {
+        const QString t = TrimBlanks(value);
+        f.mhz = t.left(t.size() - 3);
+        f.khz = t.right(3);
+    } else
+        return false;
+    return true;
+}
+
+} // namespace
+
+int CorrectionsCli(const QStringList& args, Model& m) {
+    const bool isDelete = args.value(0) == QLatin1String("delete") && args.size() == 3;
+    const bool isEdit = args.value(0) == QLatin1String("edit") && args.size() >= 4;
+    if (!isDelete && !isEdit) return -1;
+
+    CliDialogs dialogs;
+    LoadBezirkTable(m, dialogs);
+    if (!LoadLog(m, dialogs, CurrentLogPath(m))) return 1;
+    LogGridModel grid(m.Formats);
+    DatenInGrid1Neu(m, grid);
+    grid.Sort(GridSort::ZeitAuf);
+    const int row = Row(args[2], grid);
+    if (row < 0) {
+        Err(QStringLiteral("Zeile ungültig: %1 (1 bis %2)").arg(args[2]).arg(grid.DataRows()));
+        return 2;
+    }
+    SystemTimeSource clock;
+    const int year = clock.Now().date().year();
+
+    if (isDelete) {
+        const corrections::DeleteResult r = corrections::DeleteEntry(m, dialogs, grid, row, year);
+        if (r.outcome != corrections::DeleteResult::Deleted || !r.fileWritten) return 1;
+        return 0;
+    }
+
+    if (const auto refusal = corrections::EditRefusal(grid, row)) {
+        Err(*refusal);
+        return 1;
+    }
+    bool warn = false;
+    corrections::EditFields f = corrections::FieldsOfRow(grid, row, &warn);
+    for (int i = 3; i < args.size(); ++i) {
+        const qsizetype eq = args[i].indexOf(QLatin1Char('='));
+        if (eq <= 0 || !SetField(f, args[i].left(eq).toLower(), args[i].mid(eq + 1))) {
+            Err(QStringLiteral("Unbekanntes Feld: %1").arg(args[i]));
+            return 2;
+        }
+    }
+    if (const auto failure = corrections::CheckEdit(m, grid, row, f)) {
+        Err(failure->message);
+        return 1;
+    }
+    if (warn && f.mhz.isEmpty()) Err(corrections::kMsgFrequenzUngueltig);
+    const corrections::EditResult r = corrections::ApplyEdit(m, dialogs, grid, row, f, year);
+    return r.applied && r.fileWritten ? 0 : 1;
+}
+
+} // namespace kolibrino

@@ -1,0 +1,138 @@
+// Helpers of the corrections tests: the main window with the corrections installed,
+// the pop-up menu driven through the grid, and the comparison of the live model with
+// the file read back into a fresh one.
+#pragma once
+
+#include "core/call_index.h"
+#include "core/tallies.h"
+#include "corrections/install_corrections.h"
+#include "setup/modal.h"
+#include "tst_main_window_support.h"
+
+#include <QAction>
+#include <QMenu>
+
+namespace kolibrino::test {
+
+class CorrectionsFixture : public WindowFixture {
+public:
+    // Writes the records as test.KOLBO, starts the window, installs the corrections.
+    bool StartWith(const std::vector<QsoRecord>& records, int wertungsst = 0) {
+        WriteLog(QStringLiteral("test.KOLBO"), records, wertungsst);
+        if (!Start()) return false;
+        corrections::InstallCorrections(*window, home.model, dialogs, clock);
+        window->show();
+        return true;
+    }
+    LogGridView* View() const { return window->GridView(); }
+
+    // Right button on a data row, then the pop-up entry, as the operator does it.
+    void Popup(int row, const char* entry) {
+        View()->scrollTo(Grid().index(row, 0));
+        const QRect r = View()->visualRect(Grid().index(row, 4));
+        QTest::mouseClick(View()->viewport(), Qt::RightButton, {}, r.center());
+        QMenu* menu = window->PopupMenu();
+        QAction* a = window->Action(QString::fromLatin1(entry));
+        QVERIFY(a && a->isEnabled());
+        menu->hide();
+        a->trigger();
+    }
+    void DoubleClick(int row) {
+        View()->scrollTo(Grid().index(row, 0));
+        const QRect r = View()->visualRect(Grid().index(row, 4));
+        QTest::mouseClick(View()->viewport(), Qt::LeftButton, {}, r.center());
+        QTest::mouseDClick(View()->viewport(), Qt::LeftButton, {}, r.center());
+    }
+    // The grid row that shows a record.
+    int RowOf(int record) const {
+        const QString key = QString::number(record);
+        for (int r = 0; r < Grid().DataRows(); ++r)
+            if (Grid().Text(r, kGridColLaufNr) == key) return r;
+        return -1;
+    }
+    bool IsDupeRow(int row) const { return Grid().Text(row, kGridColDupe) == QLatin1String("Dupe"); }
+
+    // A blocker of the log's temporary file: the next rewrite fails until it is gone.
+    QString BlockPath() const { return home.model.LogFolder + QStringLiteral(".test.KOLBO.tmp"); }
+    void BlockWrites() { QVERIFY(QDir().mkpath(BlockPath() + QStringLiteral("/x"))); }
+    void UnblockWrites() { QVERIFY(QDir(BlockPath()).removeRecursively()); }
+};
+
+// Live records with their deleted ones left out, compared field by field with the
+// records of a fresh load (the running number is renumbered by the load and left out).
+inline void CompareRecords(const std::vector<QsoRecord>& live, const std::vector<QsoRecord>& loaded) {
+    std::vector<const QsoRecord*> kept;
+    for (const QsoRecord& r : live)
+        if (r.Status != Status::Deleted) kept.push_back(&r);
+    QCOMPARE(loaded.size(), kept.size());
+    for (size_t i = 0; i < kept.size(); ++i) {
+        const QsoRecord& a = *kept[i];
+        const QsoRecord& b = loaded[i];
+        QCOMPARE(b.Call, a.Call);
+        QCOMPARE(b.Band, a.Band);
+        QCOMPARE(b.Bezirk, a.Bezirk);
+        QCOMPARE(b.Datum, a.Datum);
+        QCOMPARE(b.Zeit, a.Zeit);
+        QCOMPARE(b.RstGesendet, a.RstGesendet);
+        QCOMPARE(b.RstEmpfangen, a.RstEmpfangen);
+        QCOMPARE(b.Qsl, a.Qsl);
+        QCOMPARE(b.Mode, a.Mode);
+        QCOMPARE(b.ModeRx, a.ModeRx);
+        QCOMPARE(b.Status, a.Status);
+        QCOMPARE(b.Operator, a.Operator);
+        QCOMPARE(b.Bemerkung, a.Bemerkung);
+        QCOMPARE(b.Frequenz, a.Frequenz);
+    }
+}
+
+// What a load of the file on disk gives, counters rebuilt.
+inline Model Reloaded(const Model& live, const QString& path) {
+    Model m;
+    m.SetLocale(AustrianLocale());
+    m.DataFolder = live.DataFolder;
+    m.BezirkRecords = live.BezirkRecords;
+    m.BezirkIndex = live.BezirkIndex;
+    ScriptedDialogs d;
+    [&] { QVERIFY(LoadLog(m, d, path) == 1); }();
+    RebuildTallies(m);
+    return m;
+}
+
+// The file read back equals the live model: the records, and every counter of the
+// score but the ones the caller says may drift.
+struct Drift {
+    bool modeBand = false; // ModeBandCount and PeriodBandCount (deleting a dupe)
+    bool qsoCount = false; // QsoCount (editing to or from 30 m)
+};
+inline void ReloadEqualsLive(const Model& live, const QString& path, Drift drift = {}) {
+    // The live text and index are what a rebuild from the records gives, and on disk.
+    Model rebuilt = live;
+    BuildLogText(rebuilt, true, 2026);
+    QCOMPARE(live.LogText, rebuilt.LogText);
+    QCOMPARE(live.CallIndex, rebuilt.CallIndex);
+    QCOMPARE(ReadBytes(path), ToCp1252(live.LogText));
+    const Model back = Reloaded(live, path);
+    CompareRecords(live.LogRecords, back.LogRecords);
+    if (!drift.qsoCount) QCOMPARE(back.QsoCount, live.QsoCount);
+    QCOMPARE(back.DupeCount, live.DupeCount);
+    if (!drift.modeBand) {
+        QCOMPARE(back.ModeBandCount, live.ModeBandCount);
+        QCOMPARE(back.PeriodBandCount, live.PeriodBandCount);
+    }
+    QCOMPARE(back.GruppeBandCount, live.GruppeBandCount);
+    QCOMPARE(back.StaatsfunkRecords.size(), live.StaatsfunkRecords.size());
+    for (size_t i = 0; i < back.StaatsfunkRecords.size(); ++i) {
+        QCOMPARE(back.StaatsfunkRecords[i].Prefix, live.StaatsfunkRecords[i].Prefix);
+        QCOMPARE(back.StaatsfunkRecords[i].Anz80, live.StaatsfunkRecords[i].Anz80);
+        QCOMPARE(back.StaatsfunkRecords[i].Anz30, live.StaatsfunkRecords[i].Anz30);
+    }
+    for (size_t i = 1; i < back.BezirkRecords.size(); ++i) {
+        QCOMPARE(back.BezirkRecords[i].AnzGesamt, live.BezirkRecords[i].AnzGesamt);
+        QCOMPARE(back.BezirkRecords[i].Anz40, live.BezirkRecords[i].Anz40);
+        QCOMPARE(back.BezirkRecords[i].Anz80, live.BezirkRecords[i].Anz80);
+        QCOMPARE(back.BezirkRecords[i].Anz30, live.BezirkRecords[i].Anz30);
+    }
+    QCOMPARE(back.CallIndex.count(kPilcrow), live.CallIndex.count(kPilcrow));
+}
+
+} // namespace kolibrino::test
