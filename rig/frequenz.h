@@ -1,0 +1,115 @@
+// Frequenz ("Frequenzen/Bänder"): mirrors frequency, band and mode of rig 1 into the
+// main window, holds one operating frequency per contest band and supplies the
+// frequency each new contact stores.
+//
+// Made by InstallRig's companion opener, GUI thread only, a child window of the main
+// window that deletes itself when closed. Without a configured rig it is a plain form
+// of three frequency fields. Rig trouble never reaches the operator as a message: the
+// status label turns to OFFLINE and blinks, and the fields keep their values.
+#pragma once
+
+#include "core/dialogs.h"
+#include "core/log_model.h"
+#include "rig/rig_engine.h"
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+#include <array>
+#include <memory>
+#include <optional>
+
+class QAction;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+
+namespace kolibrino {
+class HauptForm;
+}
+
+namespace kolibrino::rig {
+
+class Frequenz : public QWidget {
+    Q_OBJECT
+public:
+    Frequenz(HauptForm& main, Model& m, Dialogs& dialogs, int pollMs = 250);
+    ~Frequenz() override;
+
+    // Restores the position, connects to the rig, fills the fields, marks it open.
+    void Load();
+
+    // Last frequency per band in Hz.
+    int BQRG40 = 7000000;
+    int BQRG80 = 3500000;
+    int BQRG30 = 10100000;
+
+    // The rig follows the band row of the main window (and its sideband rules).
+    void FreqALT(int band, int modeRow);
+    // The rig follows the mode row of the main window.
+    void SetMode(int modeRow);
+    // The main window's band box was clicked: guard on, choice, FreqALT, guard off.
+    void MainBandClick(int band);
+    // The frequency in kHz that a new contact on this band row stores.
+    std::optional<float> LoggedFrequency(int band) const;
+
+    // Events of the engine, public for the transceiver panel's tests alike.
+    void StatusChange(int rigNumber);
+    void ParamsChange(int rigNumber, int params);
+
+    bool RigInUse() const { return engine_ != nullptr; }
+    int RigNumber() const { return rigNumber_; }
+    int BlinkCount() const { return blink_; }
+    QTimer& Timer1() { return timer1_; }
+    void Timer1Tick();
+    bool GuardOn() const { return bandSetByMain_; }
+
+protected:
+    void closeEvent(QCloseEvent* e) override;
+    bool eventFilter(QObject* o, QEvent* e) override;
+
+private:
+    void Connect();
+    void StatusUpdate();
+    void ParamsUpdate();
+    void SelectOption1(int index);
+    void Option1Click(int index);
+    void Unload();
+    QLineEdit* KhzField(int band) const;
+    void SetLabel3Colour(const QColor& c);
+
+    HauptForm& main_;
+    Model& m_;
+    Dialogs& dialogs_;
+    int pollMs_;
+    std::shared_ptr<RigEngine> engine_;
+    RigControl* rig_ = nullptr;
+    int rigNumber_ = 0;
+    int blink_ = 0;
+    bool blinkRed_ = true;
+    bool bandSetByMain_ = false;
+    bool unloaded_ = false;
+    QTimer timer1_;
+    QPointer<QAction> menuEntry_;
+
+    QWidget* picture2_ = nullptr;
+    QLabel* label1_ = nullptr;
+    QLabel* label2_ = nullptr;
+    QLabel* label3_ = nullptr;
+    QPushButton* command1_ = nullptr;
+    QGroupBox* frame2_ = nullptr;
+    std::array<QRadioButton*, 3> option1_{};
+    QLineEdit* text6_ = nullptr;
+    QLineEdit* text10_ = nullptr;
+    QLineEdit* text7_ = nullptr;
+    QLineEdit* text11_ = nullptr;
+    QLineEdit* text12_ = nullptr;
+    QLineEdit* text9_ = nullptr;
+};
+
+// Only digits, Backspace, Ctrl+X and Ctrl+C reach a frequency field.
+bool FrequencyKeyPasses(const QString& keyText);
+
+} // namespace kolibrino::rig

@@ -1,0 +1,247 @@
+#include "rig/rig_engine.h"
+
+#include <QElapsedTimer>
+#include <QMetaObject>
+#include <QTimer>
+
+namespace kolibrino::rig {
+
+// Lives in the worker thread; owns the HamlibRig there.
+class RigWorker : public QObject {
+    Q_OBJECT
+public:
+    RigWorker(const RigConfig& config, int pollMs) : config_(config), pollMs_(pollMs) {}
+
+    void Begin() {
+        timer_ = new QTimer(this);
+        timer_->setInterval(pollMs_);
+        connect(timer_, &QTimer::timeout, this, &RigWorker::Poll);
+        timer_->start();
+        Poll();
+    }
+    void Write(const std::function<void(HamlibRig&)>& op) {
+        if (!rig_.IsOpen()) return;
+        op(rig_);
+        // Show the result of a write at once instead of a poll period later.
+        if (!pollPending_) {
+            pollPending_ = true;
+            QMetaObject::invokeMethod(
+                this,
+                [this] {
+                    pollPending_ = false;
+                    Poll();
+                },
+                Qt::QueuedConnection);
+        }
+    }
+
+signals:
+    void Polled(const kolibrino::rig::RigSnapshot& s);
+
+private:
+    void Poll() {
+        RigSnapshot s;
+        if (!rig_.IsOpen()) {
+            // A rig that is away is asked again once a second, not on every poll: each
+            // failed open costs Hamlib a little memory it never gives back.
+            if (lastAttempt_.isValid() && lastAttempt_.elapsed() < kReopenMs) return;
+            lastAttempt_.start();
+            const QString err = rig_.Open(config_);
+            if (!err.isEmpty()) {
+                s.status = ST_NOTRESPONDING;
+                s.error = err;
+                emit Polled(s);
+                return;
+            }
+            lastAttempt_.invalidate();
+        }
+        QString err;
+        const std::optional<RigReading> r = rig_.Read(&err);
+        if (!r) {
+            rig_.Close();
+            s.status = ST_NOTRESPONDING;
+            s.error = err;
+            emit Polled(s);
+            return;
+        }
+        s.status = ST_ONLINE;
+        s.readable = rig_.Readable();
+        s.writeable = rig_.Writeable();
+        s.freq = r->freq.value_or(0);
+        s.mode = r->modeKnown ? r->mode : 0;
+        if (r->split) s.split = *r->split ? PM_SPLITON : PM_SPLITOFF;
+        if (r->tx) s.tx = *r->tx ? PM_TX : PM_RX;
+        emit Polled(s);
+    }
+
+    static constexpr int kReopenMs = 1000;
+    RigConfig config_;
+    int pollMs_;
+    HamlibRig rig_;
+    QElapsedTimer lastAttempt_;
+    QTimer* timer_ = nullptr;
+    bool pollPending_ = false;
+};
+
+RigControl::RigControl(int rigNumber, const RigConfig& config, int pollMs, QObject* parent)
+    : QObject(parent), number_(rigNumber), config_(config), pollMs_(pollMs) {
+    qRegisterMetaType<kolibrino::rig::RigSnapshot>();
+    if (config_.Configured()) s_.status = ST_NOTRESPONDING; // until the first answer
+    Start();
+}
+
+RigControl::~RigControl() {
+    Stop();
+}
+
+void RigControl::Start() {
+    if (!config_.Configured()) return;
+    thread_ = new QThread;
+    worker_ = new RigWorker(config_, pollMs_);
+    worker_->moveToThread(thread_);
+    connect(worker_, &RigWorker::Polled, this, &RigControl::Apply, Qt::QueuedConnection);
+    // The worker is deleted in its thread when the thread ends; its HamlibRig closes.
+    connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
+    thread_->setObjectName(QStringLiteral("Rig%1").arg(number_));
+    thread_->start();
+    QMetaObject::invokeMethod(worker_, &RigWorker::Begin, Qt::QueuedConnection);
+}
+
+void RigControl::Stop() {
+    if (!worker_) return;
+    disconnect(worker_, nullptr, this, nullptr);
+    worker_ = nullptr;
+    QThread* t = thread_;
+    thread_ = nullptr;
+    t->quit();
+    if (t->wait(200)) {
+        delete t;
+        return;
+    }
+    // A Hamlib call still under way (a serial rig that hangs): the window does not wait
+    // for it. The thread ends when the call returns and is deleted then.
+    connect(t, &QThread::finished, t, &QObject::deleteLater);
+    if (t->isFinished()) t->deleteLater(); // it ended just now; a second request is harmless
+}
+
+void RigControl::Reconfigure(const RigConfig& config) {
+    Stop();
+    config_ = config;
+    const bool wasOnline = s_.status == ST_ONLINE;
+    s_ = RigSnapshot{};
+    if (config_.Configured()) s_.status = ST_NOTRESPONDING;
+    if (wasOnline) emit StatusChanged();
+    Start();
+}
+
+QString RigControl::StatusStr() const {
+    return StatusText(s_.status);
+}
+
+bool RigControl::IsParamReadable(int param) const {
+    return param != 0 && (s_.readable & param) == param;
+}
+
+bool RigControl::IsParamWriteable(int param) const {
+    return param != 0 && (s_.writeable & param) == param;
+}
+
+void RigControl::Apply(const RigSnapshot& s) {
+    const bool statusChanged = s.status != s_.status;
+    if (s.status != ST_ONLINE) {
+        // Values of a rig that does not answer are not shown; the next answer brings
+        // new ones.
+        s_ = RigSnapshot{};
+        s_.status = s.status;
+        s_.error = s.error;
+        if (statusChanged) emit StatusChanged();
+        return;
+    }
+    int params = 0;
+    if (s.freq != s_.freq) params |= PM_FREQ | PM_FREQA;
+    if (s.mode != s_.mode) params |= s.mode != 0 ? s.mode : PM_UNKNOWN;
+    if (s.split != s_.split && s.split != 0) params |= s.split;
+    if (s.tx != s_.tx && s.tx != 0) params |= s.tx;
+    s_ = s;
+    if (statusChanged) emit StatusChanged();
+    if (params != 0) emit ParamsChanged(params);
+}
+
+namespace {
+bool Queue(RigWorker* w, std::function<void(HamlibRig&)> op) {
+    if (!w) return false;
+    QMetaObject::invokeMethod(
+        w, [w, op = std::move(op)] { w->Write(op); }, Qt::QueuedConnection);
+    return true;
+}
+} // namespace
+
+void RigControl::SetFreq(int hz) {
+    if (hz <= 0 || s_.status != ST_ONLINE) return;
+    Queue(worker_, [hz](HamlibRig& r) { r.WriteFreq(hz, false); });
+}
+
+void RigControl::SetFreqA(int hz) {
+    if (hz <= 0 || s_.status != ST_ONLINE) return;
+    Queue(worker_, [hz](HamlibRig& r) { r.WriteFreq(hz, true); });
+}
+
+void RigControl::SetMode(int mode) {
+    if (CheckedMode(mode) == 0 || s_.status != ST_ONLINE) return;
+    Queue(worker_, [mode](HamlibRig& r) { r.WriteMode(mode); });
+}
+
+void RigControl::SetSplit(int split) {
+    if ((split != PM_SPLITON && split != PM_SPLITOFF) || s_.status != ST_ONLINE) return;
+    Queue(worker_, [split](HamlibRig& r) { r.WriteSplit(split == PM_SPLITON); });
+}
+
+void RigControl::SetTx(int tx) {
+    if ((tx != PM_TX && tx != PM_RX) || s_.status != ST_ONLINE) return;
+    Queue(worker_, [tx](HamlibRig& r) { r.WritePtt(tx == PM_TX); });
+}
+
+RigEngine::RigEngine(const RigConfig& rig1, const RigConfig& rig2, int pollMs, QObject* parent)
+    : QObject(parent), rig1_(std::make_unique<RigControl>(1, rig1, pollMs)),
+      rig2_(std::make_unique<RigControl>(2, rig2, pollMs)) {
+    for (RigControl* r : {rig1_.get(), rig2_.get()}) {
+        const int n = r->RigNumber();
+        connect(r, &RigControl::StatusChanged, this, [this, n] { emit StatusChange(n); });
+        connect(r, &RigControl::ParamsChanged, this, [this, n](int params) { emit ParamsChange(n, params); });
+    }
+}
+
+RigEngine::~RigEngine() = default;
+
+std::function<void()>& RigEngine::DialogOpener() {
+    static std::function<void()> opener;
+    return opener;
+}
+
+void RigEngine::SetDialogVisible(bool visible) {
+    if (visible && DialogOpener()) DialogOpener()();
+}
+
+namespace {
+std::weak_ptr<RigEngine>& Shared() {
+    static std::weak_ptr<RigEngine> engine;
+    return engine;
+}
+} // namespace
+
+std::shared_ptr<RigEngine> ConnectEngine(const QString& iniFile, int pollMs) {
+    if (auto live = Shared().lock()) return live;
+    const RigConfig rig1 = ReadRigConfig(iniFile, 1);
+    if (!rig1.Configured()) return {};
+    auto engine = std::make_shared<RigEngine>(rig1, ReadRigConfig(iniFile, 2), pollMs);
+    Shared() = engine;
+    return engine;
+}
+
+std::shared_ptr<RigEngine> LiveEngine() {
+    return Shared().lock();
+}
+
+} // namespace kolibrino::rig
+
+#include "rig_engine.moc"
