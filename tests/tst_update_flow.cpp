@@ -1,0 +1,412 @@
+// The update's check and install against a real HTTP server on loopback (Python's
+// http.server), and the command line's update subcommand.
+#include "core/scripted_dialogs.h"
+#include "core/settings.h"
+#include "update_server_support.h"
+#include "upkeep/qt_http_standin.h"
+#include "upkeep/update_flow.h"
+
+using namespace kolibrino;
+using namespace kolibrino::upkeep;
+
+namespace {
+
+const QByteArray kBez = "WI;500;200;Wien;1;\r\nGZ;420;420;Graz;6;\r\n";
+const QByteArray kCalls = "OE1ABC;Anna\r\nOE3XYZ;Xaver\r\n";
+const QByteArray kMap = QByteArray("GIF89a") + QByteArray(3000, '\x01');
+
+ProgramTarget Program(bool writable = true) {
+    ProgramTarget p;
+    p.executablePath = QStringLiteral("/opt/kolibrino/kolibrino");
+    p.executableName = QStringLiteral("kolibrino");
+    p.runningVersion = 100000; // 1.0.0
+    p.folderWritable = writable;
+    return p;
+}
+
+std::vector<UpdateBox> AllOffered(const CheckResult& c) {
+    std::vector<UpdateBox> boxes;
+    for (int i : c.offered)
+        boxes.push_back({i, true});
+    return boxes;
+}
+
+QStringList Names(const CheckResult& c) {
+    QStringList n;
+    for (int i : c.offered)
+        n << c.entries[size_t(i)].Name;
+    return n;
+}
+
+int Version(const test::Home& h, const QString& name) {
+    return InstalledVersion(h.model.IniPath, name);
+}
+
+struct CliRun {
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+CliRun RunCli(const test::Home& home, const QStringList& args) {
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("KOLIBRINO_HOME"), home.dir.path());
+    p.setProcessEnvironment(env);
+    p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"),
+            QStringList{QStringLiteral("update")} + args);
+    p.waitForFinished(60000);
+    return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
+}
+
+} // namespace
+
+class TstUpdateFlow : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() { test::PinLocale(); }
+
+    void newerEqualOlderAndMissingFilesAreOfferedByVersion() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        IniWrite({}, QStringLiteral("bez_koord.txt"), QStringLiteral("Version"), 5);
+        IniWrite({}, QStringLiteral("OeCallList.txt"), QStringLiteral("Version"), 5);
+        IniWrite({}, QStringLiteral("BZ_Karte.gif"), QStringLiteral("Version"), 5);
+        server.WriteList(QStringLiteral("; Kolibrino\r\n") +
+                         server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         server.Publish(QStringLiteral("OeCallList.txt"), kCalls, 5) +
+                         server.Publish(QStringLiteral("BZ_Karte.gif"), kMap, 4) +
+                         server.Publish(QStringLiteral("Info.txt"), "Hallo", 1));
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        QCOMPARE(int(c.outcome), int(CheckOutcome::Offered));
+        QCOMPARE(c.entries.size(), size_t(4));
+        QCOMPARE(Names(c), (QStringList{QStringLiteral("bez_koord.txt"), QStringLiteral("Info.txt")}));
+        QVERIFY(
+            !QFile::exists(home.model.TmpFolder + QStringLiteral("KOLBOUpd.txt"))); // deleted after reading
+    }
+
+    void allUpToDateGivesNoUpdates() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        IniWrite({}, QStringLiteral("bez_koord.txt"), QStringLiteral("Version"), 6);
+        server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
+        QtHttpStandIn t;
+        QCOMPARE(int(CheckForUpdates(home.model, t, server.Server()).outcome), int(CheckOutcome::NoUpdates));
+    }
+
+    void installDownloadsChecksCopiesAndNotesVersions() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         server.Publish(QStringLiteral("BZ_Karte.gif"), kMap, 2));
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        ScriptedDialogs d;
+        QStringList busy;
+        BusyPanel panel{[&](const QString& s) { busy << s; }, [&] { busy << QStringLiteral("-"); }};
+        const InstallResult r =
+            InstallUpdates(home.model, d, t, server.Server(), c.entries, AllOffered(c), Program(), panel);
+        QCOMPARE(int(r.outcome), int(InstallOutcome::Done));
+        QVERIFY(r.installed);
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("bez_koord.txt")), kBez);
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("BZ_Karte.gif")), kMap);
+        QVERIFY(!QFile::exists(home.model.TmpFolder + QStringLiteral("bez_koord.txt")));
+        QCOMPARE(Version(home, QStringLiteral("BEZ_KOORD.TXT")), 6);
+        QCOMPARE(Version(home, QStringLiteral("bz_karte.gif")), 2);
+        QCOMPARE(d.boxes.last().text,
+                 QStringLiteral("Updates wurden durchgeführt. Fenster wird geschlossen."));
+        QCOMPARE(d.boxes.last().flags, int(Msg::Information));
+        QCOMPARE(busy.first(), QStringLiteral("PINGe Server..."));
+        QVERIFY(busy.contains(QStringLiteral("Updates werden heruntergeladen...")));
+        // A second check offers nothing.
+        QCOMPARE(int(CheckForUpdates(home.model, t, server.Server()).outcome), int(CheckOutcome::NoUpdates));
+    }
+
+    void untickedBoxIsNotInstalled() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         server.Publish(QStringLiteral("OeCallList.txt"), kCalls, 2));
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        ScriptedDialogs d;
+        std::vector<UpdateBox> boxes = AllOffered(c);
+        boxes[0].ticked = false;
+        InstallUpdates(home.model, d, t, server.Server(), c.entries, boxes, Program());
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("bez_koord.txt")));
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("OeCallList.txt")), kCalls);
+        QCOMPARE(Version(home, QStringLiteral("bez_koord.txt")), 0);
+    }
+
+    void wrongMd5StopsAndNeverReachesDataFolder() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        test::WriteBytes(home.model.DataFolder + QStringLiteral("OeCallList.txt"), "alt\r\n");
+        server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         server.Publish(QStringLiteral("OeCallList.txt"), kCalls, 2, "etwas anderes") +
+                         server.Publish(QStringLiteral("BZ_Karte.gif"), kMap, 2));
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        ScriptedDialogs d;
+        const InstallResult r =
+            InstallUpdates(home.model, d, t, server.Server(), c.entries, AllOffered(c), Program());
+        QCOMPARE(int(r.outcome), int(InstallOutcome::Md5Mismatch));
+        QCOMPARE(
+            d.boxes.last().text,
+            QStringLiteral("Heruntergeladene Datei ist fehlerhaft. Download muss neu gestartet werden!"));
+        QCOMPARE(d.boxes.last().flags, int(Msg::Critical));
+        // The file before it stays installed; the damaged one stays in Tmp/ only; the one
+        // after it is not fetched.
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("bez_koord.txt")), kBez);
+        QCOMPARE(Version(home, QStringLiteral("bez_koord.txt")), 6);
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("OeCallList.txt")),
+                 QByteArray("alt\r\n"));
+        QCOMPARE(Version(home, QStringLiteral("OeCallList.txt")), 0);
+        QCOMPARE(test::ReadBytes(home.model.TmpFolder + QStringLiteral("OeCallList.txt")), kCalls);
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("BZ_Karte.gif")));
+    }
+
+    void serverThatAnswersPingButLacksAFileGivesTheDownloadMessagePerFileAndGoesOn() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(test::UpdateServerProcess::ListLine(QStringLiteral("fehlt1.txt"), "x", 3) +
+                         server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         test::UpdateServerProcess::ListLine(QStringLiteral("fehlt2.txt"), "y", 3));
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        ScriptedDialogs d;
+        const InstallResult r =
+            InstallUpdates(home.model, d, t, server.Server(), c.entries, AllOffered(c), Program());
+        QCOMPARE(int(r.outcome), int(InstallOutcome::Done));
+        QCOMPARE(r.failedDownloads, 2);
+        QCOMPARE(d.boxes.size(), 3);
+        for (int i : {0, 1}) {
+            QCOMPARE(d.boxes[i].text,
+                     QStringLiteral("Fehler beim Download: Entweder existiert die URL nicht, "
+                                    "oder Server nicht erreichbar!"));
+            QCOMPARE(d.boxes[i].flags, int(Msg::Critical));
+        }
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("bez_koord.txt")), kBez);
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("fehlt1.txt")));
+        QVERIFY(!QFile::exists(home.model.TmpFolder + QStringLiteral("fehlt1.txt")));
+        QCOMPARE(Version(home, QStringLiteral("fehlt1.txt")), 0);
+    }
+
+    void missingListIsADownloadFailure() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        QCOMPARE(int(c.outcome), int(CheckOutcome::ListFailed));
+        QVERIFY(c.detail.contains(QStringLiteral("404")));
+    }
+
+    void closedPortIsUnreachable() {
+        test::Home home;
+        UpdateServer s;
+        s.host = QStringLiteral("127.0.0.1");
+        s.port = test::FreeLoopbackPort();
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, s);
+        QCOMPARE(int(c.outcome), int(CheckOutcome::Unreachable));
+        QVERIFY(!c.detail.isEmpty());
+    }
+
+    void nameThatDoesNotResolveIsUnreachable() {
+        test::Home home;
+        UpdateServer s;
+        s.host = test::UnresolvableName();
+        QtHttpStandIn t;
+        QCOMPARE(int(CheckForUpdates(home.model, t, s).outcome), int(CheckOutcome::Unreachable));
+    }
+
+    void noServerSetMeansNoCheck() {
+        test::Home home;
+        const UpdateServer s = ReadUpdateServer(home.model.IniPath);
+        QVERIFY(s.host.isEmpty());
+        QCOMPARE(s.path, QStringLiteral("/export/radkl/download/ZEFT/kolibrino/"));
+        QtHttpStandIn t;
+        QCOMPARE(int(CheckForUpdates(home.model, t, s).outcome), int(CheckOutcome::NoServer));
+        QVERIFY(CheckAtStart(home.model.IniPath));
+        IniWrite({}, QStringLiteral("Update"), QStringLiteral("BeimStart"), 0);
+        QVERIFY(!CheckAtStart(home.model.IniPath));
+    }
+
+    void serverSettingAndArgument() {
+        test::Home home;
+        IniWrite({}, QStringLiteral("Update"), QStringLiteral("Server"),
+                 QStringLiteral("update.example:8080"));
+        IniWrite({}, QStringLiteral("Update"), QStringLiteral("Pfad"), QStringLiteral("daten/zeft"));
+        const UpdateServer s = ReadUpdateServer(home.model.IniPath);
+        QCOMPARE(s.host, QStringLiteral("update.example"));
+        QCOMPARE(s.port, 8080);
+        QCOMPARE(s.FileUrl(QStringLiteral(" a b.txt ")).toString(),
+                 QStringLiteral("http://update.example:8080/daten/zeft/a b.txt"));
+        QCOMPARE(ServerWithArgument(s, QStringLiteral("127.0.0.1"))->port, 80);
+        QCOMPARE(ServerWithArgument(s, QStringLiteral("127.0.0.1:81"))->port, 81);
+        QVERIFY(!ServerWithArgument(s, QStringLiteral("127.0.0.1:0")));
+        QVERIFY(!ServerWithArgument(s, QStringLiteral("127.0.0.1:x")));
+        QVERIFY(!ServerWithArgument(s, QStringLiteral("")));
+    }
+
+    void nothingListedOrNothingTicked() {
+        test::Home home;
+        ScriptedDialogs d;
+        QtHttpStandIn t;
+        UpdateServer s;
+        QCOMPARE(int(InstallUpdates(home.model, d, t, s, {}, {}, Program()).outcome),
+                 int(InstallOutcome::NothingListed));
+        QCOMPARE(d.boxes.last().text, QStringLiteral("Keine Dateien zum Downloaden vorhanden!"));
+        const auto entries =
+            ParseUpdateList(test::UpdateServerProcess::ListLine(QStringLiteral("a.txt"), "a", 1));
+        QCOMPARE(int(InstallUpdates(home.model, d, t, s, entries, {{0, false}}, Program()).outcome),
+                 int(InstallOutcome::NothingTicked));
+        QCOMPARE(d.boxes.last().text, QStringLiteral("Keine Datei zum Downloaden ausgewählt"));
+        QCOMPARE(d.boxes.last().flags, int(Msg::Information));
+    }
+
+    void installWithServerGoneSaysUnreachable() {
+        test::Home home;
+        ScriptedDialogs d;
+        QtHttpStandIn t;
+        UpdateServer s;
+        s.host = QStringLiteral("127.0.0.1");
+        s.port = test::FreeLoopbackPort();
+        const auto entries =
+            ParseUpdateList(test::UpdateServerProcess::ListLine(QStringLiteral("a.txt"), "a", 1));
+        QCOMPARE(int(InstallUpdates(home.model, d, t, s, entries, {{0, true}}, Program()).outcome),
+                 int(InstallOutcome::Unreachable));
+        QCOMPARE(d.boxes.last().text, QStringLiteral("Server nicht erreichbar!"));
+        QCOMPARE(d.boxes.last().flags, int(Msg::Critical));
+    }
+
+    void binNotAboveTheRunningVersionInstallsWithoutRestart() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("kolibrino.bin"), "#!/bin/sh\n", 100000) +
+                         server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        QCOMPARE(c.offered.size(), size_t(2));
+        ScriptedDialogs d;
+        const InstallResult r =
+            InstallUpdates(home.model, d, t, server.Server(), c.entries, AllOffered(c), Program());
+        QCOMPARE(int(r.outcome), int(InstallOutcome::Done));
+        QVERIFY(QFile::exists(home.model.DataFolder + QStringLiteral("kolibrino.bin")));
+        QCOMPARE(Version(home, QStringLiteral("kolibrino.bin")), 100000);
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("bez_koord.txt")), kBez);
+        for (const ShownBox& b : d.boxes)
+            QVERIFY(b.text != QStringLiteral("Kolibrino muss neu gestartet werden!"));
+    }
+
+    void newerBinAsksForTheRestartAndStopsThere() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("Kolibrino.bin"), "#!/bin/sh\n", 100001) +
+                         server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        ScriptedDialogs d;
+        const InstallResult r =
+            InstallUpdates(home.model, d, t, server.Server(), c.entries, AllOffered(c), Program());
+        QCOMPARE(int(r.outcome), int(InstallOutcome::Restart));
+        QCOMPARE(d.boxes.last().text, QStringLiteral("Kolibrino muss neu gestartet werden!"));
+        QCOMPARE(r.restartSource, home.model.DataFolder + QStringLiteral("Kolibrino.bin"));
+        QCOMPARE(r.restartTarget, QStringLiteral("/opt/kolibrino/kolibrino"));
+        QVERIFY(
+            !QFile::exists(home.model.DataFolder + QStringLiteral("bez_koord.txt"))); // nothing after it ran
+    }
+
+    void programInAFolderThatIsNotWritableInstallsTheDataFilesOnly() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("kolibrino.bin"), "#!/bin/sh\n", 100001) +
+                         server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
+        QtHttpStandIn t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        ScriptedDialogs d;
+        const InstallResult r =
+            InstallUpdates(home.model, d, t, server.Server(), c.entries, AllOffered(c), Program(false));
+        QCOMPARE(int(r.outcome), int(InstallOutcome::Done));
+        QCOMPARE(r.skipped, QStringList{QStringLiteral("kolibrino.bin")});
+        QVERIFY(d.boxes.first().text.startsWith(
+            QStringLiteral("Kolibrino ist in einem schreibgeschützten Ordner")));
+        QCOMPARE(d.boxes.first().flags, int(Msg::Exclamation));
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("kolibrino.bin")));
+        QCOMPARE(Version(home, QStringLiteral("kolibrino.bin")), 0);
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("bez_koord.txt")), kBez);
+    }
+
+    void md5OfAMissingFileIsMinusOneWithItsMessage() {
+        ScriptedDialogs d;
+        QCOMPARE(FileMd5(QStringLiteral("/nicht/da.txt"), d), QStringLiteral("-1"));
+        QCOMPARE(d.boxes.last().text,
+                 QStringLiteral(
+                     "/nicht/da.txt\r\nDatei für die eine Checksumme berechnet werden soll nicht gefunden!"));
+        QTemporaryDir dir;
+        test::WriteBytes(dir.path() + QStringLiteral("/a"), "abc");
+        QCOMPARE(FileMd5(dir.path() + QStringLiteral("/a"), d),
+                 QStringLiteral("900150983CD24FB0D6963F7D28E17F72"));
+    }
+
+    void commandLineCheckPrintsTheOfferedEntries() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        IniWrite({}, QStringLiteral("OeCallList.txt"), QStringLiteral("Version"), 5);
+        server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         server.Publish(QStringLiteral("OeCallList.txt"), kCalls, 5) +
+                         server.Publish(QStringLiteral("kolibrino.bin"), "#!/bin/sh\n", 100001));
+        const CliRun r =
+            RunCli(home, {QStringLiteral("--check"), QStringLiteral("--server"), server.HostPort()});
+        QCOMPARE(r.exitCode, 0);
+        QCOMPARE(r.out, QByteArray("bez_koord.txt 6 40\nkolibrino.bin 100001 10\n"));
+    }
+
+    void commandLineInstallsDataFilesButNeverTheProgram() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         server.Publish(QStringLiteral("kolibrino.bin"), "#!/bin/sh\n", 100001));
+        IniWrite({}, QStringLiteral("Update"), QStringLiteral("Server"), server.HostPort());
+        const CliRun r = RunCli(home, {QStringLiteral("--install")});
+        QCOMPARE(r.exitCode, 0);
+        QCOMPARE(r.out, QByteArray("bez_koord.txt\n"));
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("bez_koord.txt")), kBez);
+        QCOMPARE(Version(home, QStringLiteral("bez_koord.txt")), 6);
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("kolibrino.bin")));
+        QVERIFY(r.err.contains("kolibrino.bin"));
+    }
+
+    void commandLineInstallExitsOneOnAWrongMd5() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         server.Publish(QStringLiteral("OeCallList.txt"), kCalls, 2, "falsch"));
+        const CliRun r =
+            RunCli(home, {QStringLiteral("--install"), QStringLiteral("--server"), server.HostPort()});
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY(QString::fromLocal8Bit(r.err).contains(
+            QStringLiteral("Heruntergeladene Datei ist fehlerhaft. Download muss neu gestartet werden!")));
+        QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("bez_koord.txt")), kBez);
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("OeCallList.txt")));
+    }
+
+    void commandLineInstallExitsOneOnAMissingFileOrServer() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(test::UpdateServerProcess::ListLine(QStringLiteral("fehlt.txt"), "x", 3));
+        QCOMPARE(RunCli(home, {QStringLiteral("--install"), QStringLiteral("--server"), server.HostPort()})
+                     .exitCode,
+                 1);
+        const QString closed = QStringLiteral("127.0.0.1:%1").arg(test::FreeLoopbackPort());
+        const CliRun r = RunCli(home, {QStringLiteral("--check"), QStringLiteral("--server"), closed});
+        QCOMPARE(r.exitCode, 1);
+        QVERIFY(QString::fromLocal8Bit(r.err).contains(QStringLiteral("Server nicht erreichbar!")));
+        QCOMPARE(RunCli(home, {QStringLiteral("--bogus")}).exitCode, 2);
+        QCOMPARE(RunCli(home, {QStringLiteral("--check")}).exitCode, 1); // no server set
+    }
+};
+
+QTEST_GUILESS_MAIN(TstUpdateFlow)
+#include "tst_update_flow.moc"

@@ -1,0 +1,193 @@
+// The update list: which lines count, how entries are split, what is offered against
+// the versions in the settings file, the size and date texts, and a long run of mutated
+// and random lists.
+#include "core/settings.h"
+#include "test_support.h"
+#include "upkeep/update_list.h"
+
+#include <QRandomGenerator>
+
+using namespace kolibrino;
+using namespace kolibrino::upkeep;
+
+namespace {
+const QString kMd5 = QStringLiteral("0123456789abcdef0123456789ABCDEF");
+
+QString Line(const QString& name, int version, int size = 1234) {
+    return QStringLiteral("%1|%2|01052026|%3|%4|Neue Daten").arg(name).arg(version).arg(size).arg(kMd5);
+}
+} // namespace
+
+class TstUpdateList : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase() { test::PinLocale(); }
+
+    void listLineOfTenCharactersOrFewerIsIgnored() {
+        // Ten characters after trimming, even when they would split into five fields.
+        QVERIFY(!IsListLine(QStringLiteral("a|1|2|3|4|")));
+        QVERIFY(!IsListLine(QStringLiteral("   a|1|2|3|4|   ")));
+        QVERIFY(!IsListLine(QString()));
+        QVERIFY(IsListLine(QStringLiteral("a|1|2|3|4|5")));
+        const auto entries =
+            ParseUpdateList(QStringLiteral("x|1|2|3|4|\r\n") + Line(QStringLiteral("a.txt"), 2));
+        QCOMPARE(entries.size(), size_t(1));
+        QCOMPARE(entries[0].Name, QStringLiteral("a.txt"));
+    }
+
+    void commentLinesAreIgnored() {
+        for (const char* lead : {";", ":", "'", "  ;"}) {
+            const QString line = QString::fromLatin1(lead) + Line(QStringLiteral("a.txt"), 2);
+            QVERIFY2(ParseUpdateList(line).empty(), lead);
+        }
+    }
+
+    void fieldsAreSplitWithoutTrimming() {
+        const auto e = ParseUpdateList(
+            QStringLiteral(" bez_koord.txt |20260501|01052026|4711|%1| Bezirke neu | mit Strich\n")
+                .arg(kMd5));
+        QCOMPARE(e.size(), size_t(1));
+        QCOMPARE(e[0].Name, QStringLiteral(" bez_koord.txt "));
+        QCOMPARE(e[0].Version, 20260501);
+        QCOMPARE(e[0].Datum, QStringLiteral("01052026"));
+        QCOMPARE(e[0].Size, 4711);
+        QCOMPARE(e[0].Md5, kMd5);
+        QCOMPARE(e[0].Info, QStringLiteral(" Bezirke neu | mit Strich"));
+    }
+
+    void invalidNumbersOrChecksumMakeNoEntry() {
+        const QStringList bad = {
+            QStringLiteral("a.txt|-1|01052026|10|%1|x").arg(kMd5),
+            QStringLiteral("a.txt|1|01052026|-10|%1|x").arg(kMd5),
+            QStringLiteral("a.txt|2147483648|01052026|10|%1|x").arg(kMd5),
+            QStringLiteral("a.txt|1x|01052026|10|%1|x").arg(kMd5),
+            QStringLiteral("a.txt|1|01052026|10|0123|x"),
+            QStringLiteral("   |1|01052026|10|%1|x").arg(kMd5),
+            QStringLiteral("a.txt|1|01052026|10"),
+        };
+        for (const QString& l : bad)
+            QVERIFY2(ParseUpdateList(l).empty(), qPrintable(l));
+        QCOMPARE(ParseUpdateList(QStringLiteral("a.txt|2147483647|0105|0|%1").arg(kMd5)).size(), size_t(1));
+    }
+
+    void entryWithSameVersionAsInstalledIsNotOffered() {
+        test::Home home;
+        IniWrite(home.model.IniPath, QStringLiteral("bez_koord.txt"), QStringLiteral("Version"), 5);
+        const auto entries = ParseUpdateList(Line(QStringLiteral("bez_koord.txt"), 5));
+        QVERIFY(OfferedEntries(entries, home.model.IniPath).empty());
+    }
+
+    void entryWithLowerVersionIsNotOffered() {
+        test::Home home;
+        IniWrite(home.model.IniPath, QStringLiteral("bez_koord.txt"), QStringLiteral("Version"), 5);
+        const auto entries = ParseUpdateList(Line(QStringLiteral("bez_koord.txt"), 4));
+        QVERIFY(OfferedEntries(entries, home.model.IniPath).empty());
+    }
+
+    void newerOrUnknownEntriesAreOfferedInListOrder() {
+        test::Home home;
+        IniWrite(home.model.IniPath, QStringLiteral("a.txt"), QStringLiteral("Version"), 5);
+        const QString text = Line(QStringLiteral("a.txt"), 6) + QStringLiteral("\r\n") +
+                             Line(QStringLiteral("b.txt"), 1) + QStringLiteral("\r\n") +
+                             Line(QStringLiteral("c.txt"), 0);
+        const auto entries = ParseUpdateList(text);
+        QCOMPARE(entries.size(), size_t(3));
+        // An entry without a stored version counts against version 0: 0 is not offered.
+        QCOMPARE(OfferedEntries(entries, home.model.IniPath), (std::vector<int>{0, 1}));
+    }
+
+    void versionIsReadInUpperCaseAndWrittenAsListed() {
+        test::Home home;
+        NoteInstalledVersion(home.model.IniPath, QStringLiteral(" OeCallList.txt "), 42);
+        QCOMPARE(InstalledVersion(home.model.IniPath, QStringLiteral("OECALLLIST.TXT")), 42);
+        QCOMPARE(InstalledVersion(home.model.IniPath, QStringLiteral("oecalllist.txt")), 42);
+        QVERIFY(test::ReadBytes(home.model.IniPath).toUpper().contains("[OECALLLIST.TXT]\r\nVERSION=42"));
+    }
+
+    void sizeTextsByMagnitude() {
+        const QLocale de = test::AustrianLocale();
+        QCOMPARE(SizeText(0, de), QStringLiteral("0 Bytes"));
+        QCOMPARE(SizeText(999, de), QStringLiteral("999 Bytes"));
+        QCOMPARE(SizeText(1000, de), QStringLiteral("1,00 KB"));
+        QCOMPARE(SizeText(12345, de), QStringLiteral("12,35 KB"));
+        QCOMPARE(SizeText(999999, de), QStringLiteral("1000,00 KB"));
+        QCOMPARE(SizeText(1000000, de), QStringLiteral("1,00 MB"));
+        QCOMPARE(SizeText(2147483647, de), QStringLiteral("2147,48 MB"));
+    }
+
+    void dateTextAndCaption() {
+        QCOMPARE(DateText(QStringLiteral("01052026"), QLatin1Char('.')), QStringLiteral("01.05.2026"));
+        QCOMPARE(DateText(QStringLiteral("1"), QLatin1Char('.')), QStringLiteral("1.."));
+        const auto e = ParseUpdateList(Line(QStringLiteral("a.txt"), 7, 2048));
+        QCOMPARE(EntryCaption(e[0], test::AustrianLocale(), QLatin1Char('.')),
+                 QStringLiteral("Datei:   a.txt\nVersion:   7\nGröße:   2048 Bytes (2,05 KB)\n"
+                                "Datum:   01.05.2026\nInfo:   Neue Daten"));
+        QCOMPARE(EntryLine(e[0]), QStringLiteral("a.txt 7 2048"));
+    }
+
+    void programEntryIsTheExecutableNameWithBin() {
+        UpdateEntry e;
+        e.Name = QStringLiteral(" Kolibrino.BIN");
+        QVERIFY(IsProgramEntry(e, QStringLiteral("kolibrino")));
+        e.Name = QStringLiteral("kolibrino.exe");
+        QVERIFY(!IsProgramEntry(e, QStringLiteral("kolibrino")));
+        QCOMPARE(RunningVersionNumber(), ProgramVersionNumber());
+    }
+
+    // Thousands of lists, mutated from a valid one and made of random bytes, with a
+    // fixed seed: the parser never crashes or hangs, and never offers an entry with a
+    // negative size or version.
+    void mutatedAndRandomListsNeverOfferNegativeEntries() {
+        test::Home home;
+        IniWrite(home.model.IniPath, QStringLiteral("a.txt"), QStringLiteral("Version"), 3);
+        QRandomGenerator rng(20260501);
+        const QString base = QStringLiteral("; Kolibrino Updates\r\n") + Line(QStringLiteral("a.txt"), 4) +
+                             QStringLiteral("\r\n") + Line(QStringLiteral("kolibrino.bin"), 1000001, 800000) +
+                             QStringLiteral("\r\n") + Line(QStringLiteral("OeCallList.txt"), 9, 12);
+        const QString alphabet = QStringLiteral("|0123456789-+ .;:'\r\nabcdefABCDEFxyzäöü\t");
+        int offeredTotal = 0;
+        for (int round = 0; round < 5000; ++round) {
+            QString text;
+            if (round % 5 == 4) {
+                const int len = int(rng.bounded(400));
+                for (int i = 0; i < len; ++i)
+                    text += round % 10 == 9 ? QChar(ushort(rng.bounded(1, 0x2000)))
+                                            : alphabet.at(int(rng.bounded(alphabet.size())));
+            } else {
+                text = base;
+                const int edits = 1 + int(rng.bounded(8));
+                for (int k = 0; k < edits && !text.isEmpty(); ++k) {
+                    const int at = int(rng.bounded(text.size()));
+                    const QChar c = alphabet.at(int(rng.bounded(alphabet.size())));
+                    switch (rng.bounded(4)) {
+                    case 0:
+                        text[at] = c;
+                        break;
+                    case 1:
+                        text.insert(at, c);
+                        break;
+                    case 2:
+                        text.remove(at, 1 + int(rng.bounded(6)));
+                        break;
+                    default:
+                        text.insert(at, text.mid(int(rng.bounded(text.size())), int(rng.bounded(30))));
+                    }
+                }
+            }
+            const auto entries = ParseUpdateList(text);
+            for (int i : OfferedEntries(entries, home.model.IniPath)) {
+                const UpdateEntry& e = entries[size_t(i)];
+                QVERIFY(e.Version > 0);
+                QVERIFY(e.Size >= 0);
+                QVERIFY(!e.Name.trimmed().isEmpty());
+                QCOMPARE(e.Md5.size(), 32);
+                (void)EntryCaption(e, test::AustrianLocale(), QLatin1Char('.'));
+                ++offeredTotal;
+            }
+        }
+        QVERIFY(offeredTotal > 1000); // the mutations kept many entries alive
+    }
+};
+
+QTEST_GUILESS_MAIN(TstUpdateList)
+#include "tst_update_list.moc"

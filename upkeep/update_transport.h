@@ -1,0 +1,30 @@
+// The two network calls the update needs, behind a small interface so that the
+// program's shared HTTP layer can stand behind it: a TCP-connect "ping" of a host and
+// port, and the download of one URL into a file, bypassing every cache.
+//
+// Called by the update flow on the window thread; both calls block for at most their
+// timeouts (the name look-up included). Both return the empty text on success, else a
+// German description of what failed. Nothing throws.
+#pragma once
+
+#include <QString>
+#include <QUrl>
+
+namespace kolibrino::upkeep {
+
+struct TransportTimeouts {
+    int connectMs = 1500; // name look-up and TCP connect together
+    int idleMs = 10000;   // longest silence while a download runs
+};
+
+class UpdateTransport {
+public:
+    virtual ~UpdateTransport() = default;
+    // Opens and closes a TCP connection to host:port.
+    virtual QString Ping(const QString& host, int port, int timeoutMs) = 0;
+    // Fetches an http URL (answer 200 only) into the file, replacing it whole; on a
+    // failure the file is not created.
+    virtual QString Download(const QUrl& url, const QString& file, const TransportTimeouts& timeouts) = 0;
+};
+
+} // namespace kolibrino::upkeep
