@@ -3,8 +3,19 @@
 //   kolibrino-cli rebuild FILE                       rebuilt file text, raw bytes
 //   kolibrino-cli dupe FILE CALL BAND MODE TIME      "DUPE" or "OK", then the district
 //   kolibrino-cli tallies FILE                       the rebuilt counters
+//   kolibrino-cli score FILE                         every figure of the result window
+//   kolibrino-cli results FILE                       the results text file, raw bytes
+//   kolibrino-cli map FILE OUT.png [FILTER]          the filled district map
+//   kolibrino-cli cabrillo|adif|check|upload FILE    export, check, send (app/cli_export.cpp)
+//   kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD]   rig 1 read once
+//   kolibrino-cli partial FILE TEXT BAND MODE TIME   the partial-call list, one entry a line
+//   kolibrino-cli update --check|--install [--server HOST[:PORT]]   see cli_upkeep.cpp
+//   kolibrino-cli delete FILE ROW                    deletes a contact (row of the time sort)
+//   kolibrino-cli edit FILE ROW FIELD=VALUE...       changes a contact as the edit window does
 //
 // Exit status 0 on success, 1 when the log cannot be loaded, 2 on wrong use.
+#include "app/cli_corrections.h"
+#include "app/cli_scoring.h"
 #include "app/console_dialogs.h"
 #include "core/call_index.h"
 #include "core/clock.h"
@@ -20,13 +31,32 @@
 
 using namespace kolibrino;
 
+int CliExport(const QStringList& args); // app/cli_export.cpp; -1 when not its command
+namespace kolibrino {
+int RunRigCommand(const Model& m, const QStringList& args);          // app/cli_rig.cpp
+int CliPartial(Model& m, Dialogs& dialogs, const QStringList& args); // app/cli_assist.cpp
+int RunUpdateCli(const QStringList& args);                           // app/cli_upkeep.cpp
+} // namespace kolibrino
+
 namespace {
 
 int Usage() {
     std::fputs("Aufruf:\n"
                "  kolibrino-cli rebuild DATEI\n"
                "  kolibrino-cli dupe DATEI RUFZEICHEN BAND MODE ZEIT\n"
-               "  kolibrino-cli tallies DATEI\n",
+               "  kolibrino-cli tallies DATEI\n"
+               "  kolibrino-cli score DATEI\n"
+               "  kolibrino-cli results DATEI\n"
+               "  kolibrino-cli map DATEI BILD.png [FILTER 0-8]\n"
+               "  kolibrino-cli cabrillo DATEI\n"
+               "  kolibrino-cli adif DATEI\n"
+               "  kolibrino-cli check DATEI\n"
+               "  kolibrino-cli upload DATEI [--server HOST[:PORT]]\n"
+               "  kolibrino-cli delete DATEI ZEILE\n"
+               "  kolibrino-cli edit DATEI ZEILE FELD=WERT...\n"
+               "  kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD]\n"
+               "  kolibrino-cli partial DATEI TEXT BAND MODE ZEIT\n"
+               "  kolibrino-cli update --check|--install [--server HOST[:PORT]]\n",
                stderr);
     return 2;
 }
@@ -74,8 +104,18 @@ QString TalliesText(const Model& m) {
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
+    if (!args.isEmpty() && args[0] == QLatin1String("rig")) {
+        Model rm;
+        IniStartup(rm, QCoreApplication::applicationDirPath());
+        SetupFolders(rm);
+        const int rc = RunRigCommand(rm, args.mid(1));
+        return rc < 0 ? Usage() : rc;
+    }
+    if (!args.isEmpty() && args[0] == QLatin1String("update")) return RunUpdateCli(args.mid(1));
     if (args.size() < 2) return Usage();
+    if (const int rc = CliExport(args); rc >= 0) return rc == 2 ? Usage() : rc;
     const QString command = args[0];
+    if (const auto status = ScoringCommand(args)) return *status;
 
     Model m;
     m.SetLocale(QLocale::system());
@@ -114,6 +154,7 @@ int main(int argc, char** argv) {
         if (v.isDupe) Out(DupeWarningText(m, *v.dupeTime) + QLatin1Char('\n'));
         return 0;
     }
+    if (command == QLatin1String("partial") && args.size() == 6) return CliPartial(m, dialogs, args);
     if (command == QLatin1String("tallies") && args.size() == 2) {
         LoadBezirkTable(m, dialogs);
         if (!LoadLog(m, dialogs, file.absoluteFilePath())) return 1;
@@ -121,5 +162,6 @@ int main(int argc, char** argv) {
         Out(TalliesText(m));
         return 0;
     }
+    if (const int rc = CorrectionsCli(args, m); rc >= 0) return rc;
     return Usage();
 }

@@ -1,11 +1,21 @@
 // Kolibrino: start-up. Builds the folders, lays out the shipped data, then hands over
 // to the main window, whose Load decides whether the program runs at all.
+#include "app/test_drive.h"
+#include "assist/install_assist.h"
 #include "core/clock.h"
 #include "core/log_model.h"
 #include "core/paths.h"
+#include "core/settings.h"
+#include "corrections/install_corrections.h"
 #include "entry/main_window.h"
+#include "export/export_menus.h"
+#include "scoring/install_scoring.h"
+#include "scoring/score.h"
+#include "rig/main_window_rig.h"
 #include "setup/main_window_setup.h"
 #include "ui/qt_dialogs.h"
+#include "ui/translation.h"
+#include "upkeep/upkeep_install.h"
 
 #include <QApplication>
 
@@ -14,6 +24,7 @@ using namespace kolibrino;
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kolibrino"));
+    InstallGermanTranslation(app);
     Model model;
     model.SetLocale(QLocale::system());
     IniStartup(model, QCoreApplication::applicationDirPath());
@@ -22,9 +33,21 @@ int main(int argc, char** argv) {
 
     QtDialogs dialogs;
     SystemTimeSource clock;
+    SetIniWriteRefusedHandler([&dialogs](const QString& text) {
+        dialogs.MsgBox(text, Msg::Exclamation, QStringLiteral("Kolibrino"));
+    });
     HauptForm window(model, dialogs, clock);
     dialogs.SetParent(&window);
     setup::InstallLogSetup(window, model, dialogs, clock);
+    InstallScoring(window, model, dialogs, clock);
+    exporting::ExportOptions exportOptions;
+    exportOptions.score = ClaimedScoreValue; // CLAIMED-SCORE from the result window's figures
+    exporting::InstallExport(window, model, dialogs, clock, exportOptions);
+    corrections::InstallCorrections(window, model, dialogs, clock);
+    rig::InstallRig(window, model, dialogs, clock);
+    InstallAssist(window, model, dialogs, clock);
+    upkeep::InstallUpkeep(window, model, dialogs, clock);
     if (!window.Load()) return 0;
+    InstallTestDrive(window, model, dialogs); // only with KOLIBRINO_TEST_DRIVE=1 (crash injection)
     return app.exec();
 }

@@ -5,6 +5,8 @@
 #   tools/dev.sh test       install, build, run the whole test suite
 #   tools/dev.sh sanitize   the test suite under AddressSanitizer and UBSan
 #   tools/dev.sh bench      build and run the benchmarks (figures only)
+#   tools/dev.sh fuzz [s]   build the libFuzzer targets with clang, run each s seconds (60)
+#   tools/dev.sh crash [n]  kill the real program n times (200) while it logs; checks the files
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -13,11 +15,15 @@ PACKAGES=(
   qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev
   libcurl4-openssl-dev libhamlib-dev libhamlib-utils
   fonts-liberation2
+  qt6-translations-l10n
+  poppler-utils lighttpd libcgi-pm-perl python3
 )
+# Only for "fuzz": clang with its sanitizer and libFuzzer runtimes.
+FUZZ_PACKAGES=(clang libclang-rt-dev)
 
 install_missing() {
   local missing=() p
-  for p in "${PACKAGES[@]}"; do
+  for p in "${PACKAGES[@]}" "$@"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
   done
   ((${#missing[@]})) || return 0
@@ -58,10 +64,50 @@ case "${1:-run}" in
   bench)
     install_missing
     build build-bench -DCMAKE_BUILD_TYPE=Release -DKOLIBRINO_TESTS=OFF
-    for b in build-bench/bench/bench_*; do [ -x "$b" ] && QT_QPA_PLATFORM=offscreen "$b"; done
+    for b in build-bench/bench/bench_*; do
+      [ -f "$b" ] && [ -x "$b" ] || continue # skips the *_autogen folders
+      QT_QPA_PLATFORM=offscreen "$b"
+    done
+    ;;
+  fuzz)
+    # Each target runs its time on the committed corpus (new finds go to a scratch
+    # copy); a crash input lands in tests/fuzz/crashes/<target>/, which the normal suite
+    # replays. Two targets at a time, at the lowest priority.
+    seconds=${2:-60}
+    install_missing "${FUZZ_PACKAGES[@]}"
+    CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=None \
+      "-DCMAKE_CXX_FLAGS=-O1 -gline-tables-only" -DKOLIBRINO_FUZZ=ON -DKOLIBRINO_TESTS=OFF -DKOLIBRINO_BENCH=OFF
+    targets=(log_loader district_table ini_reader call_index)
+    cmake --build build-fuzz -j"$(nproc)" --target "${targets[@]/#/fuzz_}"
+    run_one() {
+      local t=$1 work=build-fuzz/work/$1
+      rm -rf "$work" && mkdir -p "$work/corpus" tests/fuzz/crashes/"$t"
+      cp tests/fuzz/corpus/"$t"/* "$work/corpus/"
+      local rc=0
+      ASAN_OPTIONS=detect_leaks=0 nice -n 19 build-fuzz/tests/fuzz/fuzz_"$t" "$work/corpus" \
+        -max_total_time="$seconds" -max_len=65536 -timeout=10 -rss_limit_mb=2048 \
+        -artifact_prefix=tests/fuzz/crashes/"$t"/ -print_final_stats=1 >"$work/log" 2>&1 || rc=$?
+      echo "fuzz_$t: $(grep -E '^stat::number_of_executed_units' "$work/log" | awk '{print $2}') Ausführungen," \
+        "Korpus $(ls "$work/corpus" | wc -l) Eingaben, Ergebnis $rc (Protokoll $work/log)"
+      return $rc
+    }
+    failed=0
+    for ((i = 0; i < ${#targets[@]}; i += 2)); do
+      run_one "${targets[i]}" & a=$!
+      b=
+      if ((i + 1 < ${#targets[@]})); then run_one "${targets[i + 1]}" & b=$!; fi
+      wait $a || failed=1
+      [ -z "$b" ] || wait $b || failed=1
+    done
+    exit $failed
+    ;;
+  crash)
+    install_missing
+    build build
+    KOLIBRINO_CRASH_KILLS=${2:-200} QT_QPA_PLATFORM=offscreen ./build/tests/tst_crash_injection
     ;;
   *)
-    echo "Aufruf: tools/dev.sh run|test|sanitize|bench" >&2
+    echo "Aufruf: tools/dev.sh run|test|sanitize|bench|fuzz [Sekunden]|crash [Kills]" >&2
     exit 2
     ;;
 esac
