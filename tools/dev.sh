@@ -36,6 +36,10 @@ install_missing() {
 
 build() {
   local dir=$1; shift
+  # A compiler cache, when the machine has one, makes rebuilds after a pull cheap.
+  if [ -z "${CMAKE_CXX_COMPILER_LAUNCHER:-}" ] && command -v ccache >/dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER=ccache
+  fi
   cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
   cmake --build "$dir" -j"$(nproc)"
 }
