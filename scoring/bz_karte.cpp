@@ -1,6 +1,7 @@
 #include "scoring/bz_karte.h"
 
 #include "core/settings.h"
+#include "scoring/colour_buttons.h"
 #include "scoring/print_target.h"
 #include "ui/back_colour.h"
 #include "ui/window_support.h"
@@ -41,20 +42,7 @@ BZKarte::BZKarte(Model& m, Dialogs& dialogs, QAction* menuEntry, QWidget* parent
     auto* frame2 = new QGroupBox(QStringLiteral("Farbauswahl"));
     frame2->setObjectName(QStringLiteral("Frame2"));
     auto* colours = new QHBoxLayout(frame2);
-    const char* captions[5] = {"40m", "80m", "40/80m", "30m", "30/80m"};
-    const char* tips[5] = {"Farbe für gearbeitete 40m Felder", "Farbe für gearbeitete 80m Felder",
-                           "Farbe für gearbeitete 40/80m Felder", "Farbe für gearbeitete 30m Felder",
-                           "Farbe für gearbeitete 30/80m Felder"};
-    const MapColours design;
-    for (int i = 0; i < 5; ++i) {
-        auto* b = new QPushButton(QString::fromLatin1(captions[i]));
-        b->setObjectName(QStringLiteral("Command%1").arg(i + 1));
-        b->setToolTip(QString::fromUtf8(tips[i]));
-        SetBackColour(b, quint32(MapColour(design, i)));
-        connect(b, &QPushButton::clicked, this, [this, i] { CommandClick(i); });
-        buttons_[size_t(i)] = b;
-        colours->addWidget(b);
-    }
+    AddColourButtons(buttons_, colours, this, [this](int i) { CommandClick(i); });
     panel->addWidget(frame2);
     combo1_ = new QComboBox;
     combo1_->setObjectName(QStringLiteral("Combo1"));
@@ -194,12 +182,9 @@ void BZKarte::Timer1Tick() {
 }
 
 void BZKarte::CommandClick(int i) {
-    const int colour = dialogs_.SelectColor(ButtonColour(i), false);
-    if (colour == -1) return;
-    if (colour == 0) {
-        dialogs_.MsgBox(QStringLiteral("Die Farbe schwarz ist nicht möglich!"), Msg::Information);
-        return;
-    }
+    const std::optional<int> chosen = AskBandColour(dialogs_, ButtonColour(i));
+    if (!chosen) return;
+    const int colour = *chosen;
     SetButtonColour(i, colour);
     IniWrite({}, QStringLiteral("Farben"), QString::fromLatin1(kFarbenKeys[i]), ButtonColour(i));
     if (i == 4) return;

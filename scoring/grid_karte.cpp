@@ -2,6 +2,7 @@
 
 #include "core/log_file.h"
 #include "core/settings.h"
+#include "scoring/colour_buttons.h"
 #include "scoring/map_paint.h"
 #include "ui/back_colour.h"
 #include "ui/window_support.h"
@@ -72,19 +73,7 @@ GridKarte::GridKarte(Model& m, Dialogs& dialogs, QAction* menuEntry, QWidget* pa
     (new QVBoxLayout(frame))->addWidget(grid3_);
     layout->addWidget(frame);
     auto* row = new QHBoxLayout;
-    const char* captions[3] = {"40m", "80m", "40/80m"};
-    const char* tips[3] = {"Farbe für gearbeitete 40m Felder", "Farbe für gearbeitete 80m Felder",
-                           "Farbe für gearbeitete 40/80m Felder"};
-    const MapColours design;
-    for (int i = 0; i < 3; ++i) {
-        auto* b = new QPushButton(QString::fromLatin1(captions[i]));
-        b->setObjectName(QStringLiteral("Command%1").arg(i + 1));
-        b->setToolTip(QString::fromUtf8(tips[i]));
-        SetBackColour(b, quint32(MapColour(design, i)));
-        connect(b, &QPushButton::clicked, this, [this, i] { CommandClick(i); });
-        buttons_[size_t(i)] = b;
-        row->addWidget(b);
-    }
+    AddColourButtons(buttons_, row, this, [this](int i) { CommandClick(i); });
     layout->addLayout(row);
 
     for (int n = 1; n <= districts; ++n)
@@ -169,12 +158,9 @@ void GridKarte::Timer1Tick() {
 }
 
 void GridKarte::CommandClick(int i) {
-    const int colour = dialogs_.SelectColor(ButtonColour(i), false);
-    if (colour == -1) return;
-    if (colour == 0) {
-        dialogs_.MsgBox(QStringLiteral("Die Farbe schwarz ist nicht möglich!"), Msg::Information);
-        return;
-    }
+    const std::optional<int> chosen = AskBandColour(dialogs_, ButtonColour(i));
+    if (!chosen) return;
+    const int colour = *chosen;
     SetButtonColour(i, colour);
     IniWrite({}, QStringLiteral("Farben"), QString::fromLatin1(kFarbenKeys[i]), ButtonColour(i));
     if (colourChanged) colourChanged(i, colour);
