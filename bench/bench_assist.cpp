@@ -235,15 +235,8 @@ void Screenshot(const Model& base, const QString& path) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QTemporaryDir home;
-    qputenv("KOLIBRINO_HOME", home.path().toLocal8Bit());
     Model base;
-    base.SetLocale(QLocale(QLocale::German, QLocale::Austria));
-    SetupFolders(base);
-    {
-        QFile f(base.DataFolder + QStringLiteral("bez_koord.txt"));
-        if (f.open(QIODevice::WriteOnly)) f.write(BenchDistrictTable());
-    }
-    IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM"), 12);
+    PrepareBenchHome(base, home);
     const QString shot = qEnvironmentVariable("KOLIBRINO_SCREENSHOT");
     if (!shot.isEmpty()) {
         Screenshot(base, shot);

@@ -142,16 +142,9 @@ void BulkBench(Model& base, int count) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QTemporaryDir home;
-    qputenv("KOLIBRINO_HOME", home.path().toLocal8Bit());
     setup::SetDriverMode(true);
     Model base;
-    base.SetLocale(QLocale(QLocale::German, QLocale::Austria));
-    SetupFolders(base);
-    {
-        QFile f(base.DataFolder + QStringLiteral("bez_koord.txt"));
-        if (f.open(QIODevice::WriteOnly)) f.write(BenchDistrictTable());
-    }
-    IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM"), 12);
+    PrepareBenchHome(base, home);
     std::printf("Corrections figures (medians), data folder %s\n", qPrintable(home.path()));
     EditBench(base, 10000);
     DeleteBench(base, 10000);

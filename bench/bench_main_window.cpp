@@ -25,11 +25,6 @@ using namespace kolibrino::bench;
 
 namespace {
 
-void WriteDistricts(const QString& dataFolder) {
-    QFile f(dataFolder + QStringLiteral("bez_koord.txt"));
-    if (f.open(QIODevice::WriteOnly)) f.write(BenchDistrictTable());
-}
-
 // A log of count contacts with random calls, bands, modes and times in both periods.
 void WriteLog(Model& base, const QString& name, int count) {
     Model m;
@@ -194,12 +189,8 @@ void Screenshot(Model& base, const QString& path, int width, int height) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QTemporaryDir home;
-    qputenv("KOLIBRINO_HOME", home.path().toLocal8Bit());
     Model base;
-    base.SetLocale(QLocale(QLocale::German, QLocale::Austria));
-    SetupFolders(base);
-    WriteDistricts(base.DataFolder);
-    IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM"), 12);
+    PrepareBenchHome(base, home);
     // KOLIBRINO_SCREENSHOT=path[,width,height]: only the picture, no figures.
     const QStringList shot = qEnvironmentVariable("KOLIBRINO_SCREENSHOT").split(QLatin1Char(','));
     if (!shot.first().isEmpty()) {

@@ -193,13 +193,11 @@ void Shots(Model& base, const QString& folder) {
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QTemporaryDir home;
-    qputenv("KOLIBRINO_HOME", home.path().toLocal8Bit());
     Model base;
-    base.SetLocale(QLocale(QLocale::German, QLocale::Austria));
-    SetupFolders(base);
+    PrepareBenchHome(base, home); // the bench table is replaced by the shipped one
+    QFile::remove(base.DataFolder + QStringLiteral("bez_koord.txt"));
     QFile::copy(kSource + QStringLiteral("bez_koord.txt"), base.DataFolder + QStringLiteral("bez_koord.txt"));
     QFile::copy(kSource + QStringLiteral("BZ_Karte.gif"), base.DataFolder + QStringLiteral("BZ_Karte.gif"));
-    IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM"), 12);
     const QString shots = qEnvironmentVariable("KOLIBRINO_SCORING_SHOTS");
     if (!shots.isEmpty()) {
         Shots(base, QDir(shots).absolutePath());

@@ -4,10 +4,14 @@
 
 #include "core/log_file.h"
 #include "core/log_model.h"
+#include "core/paths.h"
+#include "core/settings.h"
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLocale>
 #include <QRandomGenerator>
+#include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
@@ -81,6 +85,18 @@ inline void FillGeneratedLog(Model& m, int count, quint32 seed = 7) {
         m.LogRecords.push_back(r);
     }
     BuildLogText(m, true, 2026);
+}
+
+// Makes `home` the DataFolder of this run (KOLIBRINO_HOME), with its folders, the small
+// bench district table and the time offset at zero, and sets base up for it.
+inline void PrepareBenchHome(Model& base, const QTemporaryDir& home) {
+    qputenv("KOLIBRINO_HOME", home.path().toLocal8Bit());
+    base.SetLocale(QLocale(QLocale::German, QLocale::Austria));
+    SetupFolders(base);
+    QFile f(base.DataFolder + QStringLiteral("bez_koord.txt"));
+    if (f.open(QIODevice::WriteOnly)) f.write(BenchDistrictTable());
+    f.close();
+    IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM"), 12);
 }
 
 } // namespace kolibrino::bench

@@ -85,15 +85,8 @@ double StartMs(const QString& logName, const QString& server, bool checkAtStart)
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QTemporaryDir home;
-    qputenv("KOLIBRINO_HOME", home.path().toLocal8Bit());
     Model base;
-    base.SetLocale(QLocale(QLocale::German, QLocale::Austria));
-    SetupFolders(base);
-    {
-        QFile f(base.DataFolder + QStringLiteral("bez_koord.txt"));
-        if (f.open(QIODevice::WriteOnly)) f.write(BenchDistrictTable());
-    }
-    IniWrite(base.IniPath, QStringLiteral("Einstellungen"), QStringLiteral("ZeitPM"), 12);
+    PrepareBenchHome(base, home);
     Model log;
     log.SetLocale(base.Formats.Locale());
     log.LogFolder = base.LogFolder;
