@@ -7,6 +7,8 @@
 #   tools/dev.sh bench      build and run the benchmarks (figures only)
 #   tools/dev.sh fuzz [s]   build the libFuzzer targets with clang, run each s seconds (60)
 #   tools/dev.sh crash [n]  kill the real program n times (200) while it logs; checks the files
+#   tools/dev.sh package    Release build in build-package/, then the .deb by CPack (checked by lintian)
+#   tools/dev.sh screenshots [dir]  the README's pictures of the windows (docs/screenshots)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,9 +19,12 @@ PACKAGES=(
   fonts-liberation2
   qt6-translations-l10n
   poppler-utils lighttpd libcgi-pm-perl python3
+  desktop-file-utils appstream
 )
 # Only for "fuzz": clang with its sanitizer and libFuzzer runtimes.
 FUZZ_PACKAGES=(clang libclang-rt-dev)
+# Only for "package": dpkg-shlibdeps (with file) for the dependencies, lintian to check.
+PACKAGE_PACKAGES=(dpkg-dev file lintian)
 
 install_missing() {
   local missing=() p
@@ -110,8 +115,24 @@ case "${1:-run}" in
     build build
     KOLIBRINO_CRASH_KILLS=${2:-200} QT_QPA_PLATFORM=offscreen ./build/tests/tst_crash_injection
     ;;
+  package)
+    install_missing "${PACKAGE_PACKAGES[@]}"
+    build build-package -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr \
+      -DKOLIBRINO_TESTS=OFF -DKOLIBRINO_BENCH=OFF
+    rm -f build-package/kolibrino_*.deb
+    (cd build-package && cpack -G DEB)
+    deb=$(ls build-package/kolibrino_*.deb)
+    dpkg-deb --info "$deb" | sed -n '/Package:/,$p'
+    echo "$deb: $(du -h "$deb" | cut -f1)"
+    lintian --info "$deb" || true
+    ;;
+  screenshots)
+    install_missing
+    build build
+    QT_QPA_PLATFORM=offscreen ./build/tools/screenshots "${2:-docs/screenshots}"
+    ;;
   *)
-    echo "Aufruf: tools/dev.sh run|test|sanitize|bench|fuzz [Sekunden]|crash [Kills]" >&2
+    echo "Aufruf: tools/dev.sh run|test|sanitize|bench|fuzz [Sekunden]|crash [Kills]|package|screenshots [Ordner]" >&2
     exit 2
     ;;
 esac
