@@ -97,6 +97,7 @@ private slots:
                               "share/doc/kolibrino/copyright", "share/doc/kolibrino/changelog.gz"})
             QVERIFY2(QFileInfo(Installed(QLatin1String(f))).isFile(), f);
         QVERIFY(!QFileInfo::exists(Installed(QStringLiteral("share/kolibrino/README.md"))));
+        QVERIFY(!QFileInfo::exists(Installed(QStringLiteral("share/kolibrino/.keep"))));
         QCOMPARE(ReadBytes(Installed(QStringLiteral("share/kolibrino/KOLBOHilfe.pdf"))),
                  ReadBytes(QStringLiteral(KOLIBRINO_BINARY_DIR "/data/KOLBOHilfe.pdf")));
         for (const int size : {48, 128}) {

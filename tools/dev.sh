@@ -117,7 +117,12 @@ case "${1:-run}" in
     ;;
   package)
     install_missing "${PACKAGE_PACKAGES[@]}"
+    # Debian's hardening flags (stack protector, fortify, relro and bindnow); no -g, as
+    # the package is stripped.
+    export DEB_BUILD_MAINT_OPTIONS=hardening=+all
+    cxxflags="$(dpkg-buildflags --get CPPFLAGS) $(dpkg-buildflags --get CXXFLAGS)"
     build build-package -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr \
+      "-DCMAKE_CXX_FLAGS=${cxxflags//-g /}" "-DCMAKE_EXE_LINKER_FLAGS=$(dpkg-buildflags --get LDFLAGS)" \
       -DKOLIBRINO_TESTS=OFF -DKOLIBRINO_BENCH=OFF
     rm -f build-package/kolibrino_*.deb
     (cd build-package && cpack -G DEB)
