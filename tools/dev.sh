@@ -46,7 +46,7 @@ build() {
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache
   fi
   cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
-  cmake --build "$dir" -j"$(nproc)"
+  cmake --build "$dir" -j"$(nproc)" ${BUILD_TARGETS:+--target $BUILD_TARGETS}
 }
 
 run_tests() {
@@ -127,13 +127,13 @@ case "${1:-run}" in
     rm -f build-package/kolibrino_*.deb
     (cd build-package && cpack -G DEB)
     deb=$(ls build-package/kolibrino_*.deb)
-    dpkg-deb --info "$deb" | sed -n '/Package:/,$p'
+    dpkg-deb --field "$deb"
     echo "$deb: $(du -h "$deb" | cut -f1)"
     lintian --info "$deb" || true
     ;;
   screenshots)
     install_missing
-    build build
+    BUILD_TARGETS=screenshots build build
     QT_QPA_PLATFORM=offscreen ./build/tools/screenshots "${2:-docs/screenshots}"
     ;;
   *)
