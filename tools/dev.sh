@@ -123,7 +123,7 @@ case "${1:-run}" in
     cxxflags="$(dpkg-buildflags --get CPPFLAGS) $(dpkg-buildflags --get CXXFLAGS)"
     build build-package -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr \
       "-DCMAKE_CXX_FLAGS=${cxxflags//-g /}" "-DCMAKE_EXE_LINKER_FLAGS=$(dpkg-buildflags --get LDFLAGS)" \
-      -DKOLIBRINO_TESTS=OFF -DKOLIBRINO_BENCH=OFF
+      -DKOLIBRINO_TESTS=OFF -DKOLIBRINO_BENCH=OFF -DKOLIBRINO_SOURCE_DATA_FALLBACK=OFF
     rm -f build-package/kolibrino_*.deb
     (cd build-package && cpack -G DEB)
     deb=$(ls build-package/kolibrino_*.deb)
