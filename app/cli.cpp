@@ -12,6 +12,7 @@
 //   kolibrino-cli update --check|--install [--server HOST[:PORT]]   see cli_upkeep.cpp
 //   kolibrino-cli delete FILE ROW                    deletes a contact (row of the time sort)
 //   kolibrino-cli edit FILE ROW FIELD=VALUE...       changes a contact as the edit window does
+//   kolibrino-cli --version                          "Kolibrino 1.0.0"
 //
 // Exit status 0 on success, 1 when the log cannot be loaded, 2 on wrong use.
 #include "app/cli_corrections.h"
@@ -56,7 +57,8 @@ int Usage() {
                "  kolibrino-cli edit DATEI ZEILE FELD=WERT...\n"
                "  kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD]\n"
                "  kolibrino-cli partial DATEI TEXT BAND MODE ZEIT\n"
-               "  kolibrino-cli update --check|--install [--server HOST[:PORT]]\n",
+               "  kolibrino-cli update --check|--install [--server HOST[:PORT]]\n"
+               "  kolibrino-cli --version\n",
                stderr);
     return 2;
 }
@@ -104,6 +106,10 @@ QString TalliesText(const Model& m) {
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
+    if (args == QStringList{QStringLiteral("--version")}) {
+        Out(ProgramTitle() + QLatin1Char(' ') + ProgramVersionText() + QLatin1Char('\n'));
+        return 0;
+    }
     if (!args.isEmpty() && args[0] == QLatin1String("rig")) {
         Model rm;
         IniStartup(rm, QCoreApplication::applicationDirPath());

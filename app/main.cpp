@@ -9,21 +9,28 @@
 #include "corrections/install_corrections.h"
 #include "entry/main_window.h"
 #include "export/export_menus.h"
+#include "rig/main_window_rig.h"
 #include "scoring/install_scoring.h"
 #include "scoring/score.h"
-#include "rig/main_window_rig.h"
 #include "setup/main_window_setup.h"
 #include "ui/qt_dialogs.h"
 #include "ui/translation.h"
 #include "upkeep/upkeep_install.h"
 
 #include <QApplication>
+#include <cstdio>
+#include <cstring>
 
 using namespace kolibrino;
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0) { // answered without a display
+        std::printf("%s %s\n", qPrintable(ProgramTitle()), qPrintable(ProgramVersionText()));
+        return 0;
+    }
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kolibrino"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("kolibrino")); // icon and name on Wayland
     InstallGermanTranslation(app);
     Model model;
     model.SetLocale(QLocale::system());

@@ -203,11 +203,8 @@ QString ResultsText(const Model& m, const ScoreResult& s, int year) {
     lines << QString();
     lines << QStringLiteral("Comments:");
     lines << QString();
-    lines << QStringLiteral("CREATED-BY: %1 v%2.%3.%4, %5 by ZZ9QQQ")
-                 .arg(ProgramTitle())
-                 .arg(KOLIBRINO_VERSION_MAJOR)
-                 .arg(KOLIBRINO_VERSION_MINOR)
-                 .arg(KOLIBRINO_VERSION_PATCH)
+    lines << QStringLiteral("CREATED-BY: %1 v%2, %3 by ZZ9QQQ")
+                 .arg(ProgramTitle(), ProgramVersionText())
                  .arg(year);
     lines << QString();
     return lines.join(crlf) + crlf;

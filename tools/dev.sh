@@ -7,6 +7,8 @@
 #   tools/dev.sh bench      build and run the benchmarks (figures only)
 #   tools/dev.sh fuzz [s]   build the libFuzzer targets with clang, run each s seconds (60)
 #   tools/dev.sh crash [n]  kill the real program n times (200) while it logs; checks the files
+#   tools/dev.sh package    Release build in build-package/, then the .deb by CPack (checked by lintian)
+#   tools/dev.sh screenshots [dir]  the README's pictures of the windows (docs/screenshots)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,9 +19,12 @@ PACKAGES=(
   fonts-liberation2
   qt6-translations-l10n
   poppler-utils lighttpd libcgi-pm-perl python3
+  desktop-file-utils appstream
 )
 # Only for "fuzz": clang with its sanitizer and libFuzzer runtimes.
 FUZZ_PACKAGES=(clang libclang-rt-dev)
+# Only for "package": dpkg-shlibdeps (with file) for the dependencies, lintian to check.
+PACKAGE_PACKAGES=(dpkg-dev file lintian)
 
 install_missing() {
   local missing=() p
@@ -41,7 +46,7 @@ build() {
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache
   fi
   cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
-  cmake --build "$dir" -j"$(nproc)"
+  cmake --build "$dir" -j"$(nproc)" ${BUILD_TARGETS:+--target $BUILD_TARGETS}
 }
 
 run_tests() {
@@ -110,8 +115,29 @@ case "${1:-run}" in
     build build
     KOLIBRINO_CRASH_KILLS=${2:-200} QT_QPA_PLATFORM=offscreen ./build/tests/tst_crash_injection
     ;;
+  package)
+    install_missing "${PACKAGE_PACKAGES[@]}"
+    # Debian's hardening flags (stack protector, fortify, relro and bindnow); no -g, as
+    # the package is stripped.
+    export DEB_BUILD_MAINT_OPTIONS=hardening=+all
+    cxxflags="$(dpkg-buildflags --get CPPFLAGS) $(dpkg-buildflags --get CXXFLAGS)"
+    build build-package -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr \
+      "-DCMAKE_CXX_FLAGS=${cxxflags//-g /}" "-DCMAKE_EXE_LINKER_FLAGS=$(dpkg-buildflags --get LDFLAGS)" \
+      -DKOLIBRINO_TESTS=OFF -DKOLIBRINO_BENCH=OFF -DKOLIBRINO_SOURCE_DATA_FALLBACK=OFF
+    rm -f build-package/kolibrino_*.deb
+    (cd build-package && cpack -G DEB)
+    deb=$(ls build-package/kolibrino_*.deb)
+    dpkg-deb --field "$deb"
+    echo "$deb: $(du -h "$deb" | cut -f1)"
+    lintian --info "$deb" || true
+    ;;
+  screenshots)
+    install_missing
+    BUILD_TARGETS=screenshots build build
+    QT_QPA_PLATFORM=offscreen ./build/tools/screenshots "${2:-docs/screenshots}"
+    ;;
   *)
-    echo "Aufruf: tools/dev.sh run|test|sanitize|bench|fuzz [Sekunden]|crash [Kills]" >&2
+    echo "Aufruf: tools/dev.sh run|test|sanitize|bench|fuzz [Sekunden]|crash [Kills]|package|screenshots [Ordner]" >&2
     exit 2
     ;;
 esac
