@@ -10,7 +10,7 @@
 // standard error.
 #include "app/console_dialogs.h"
 #include "core/paths.h"
-#include "upkeep/qt_http_standin.h"
+#include "upkeep/http_update_transport.h"
 #include "upkeep/update_flow.h"
 
 #include <QCoreApplication>
@@ -46,7 +46,7 @@ int RunUpdateCli(const QStringList& args) {
     }
 
     ConsoleDialogs dialogs;
-    QtHttpStandIn transport;
+    HttpUpdateTransport transport;
     const CheckResult check = CheckForUpdates(m, transport, server);
     auto fail = [](const QString& text, const QString& detail) {
         std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());

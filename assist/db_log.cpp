@@ -23,9 +23,6 @@ QColor Bgr(int colour) {
     return QColor(colour & 0xFF, (colour >> 8) & 0xFF, (colour >> 16) & 0xFF);
 }
 
-// While a modal window is up after an edit or a delete, the tick asks again this often.
-constexpr int kModalRetryMs = 50;
-
 QFont GridFont() {
     QFont f(QStringLiteral("Liberation Sans"));
     f.setStyleHint(QFont::SansSerif);
@@ -187,17 +184,7 @@ void DBLog::resizeEvent(QResizeEvent* event) {
     FitWidth();
 }
 
-void DBLog::ArmAfterChange() {
-    afterChange_ = true;
-    timer1_.start(1);
-}
-
 void DBLog::Timer1Tick() {
-    if (afterChange_ && QApplication::activeModalWidget()) {
-        timer1_.start(kModalRetryMs);
-        return;
-    }
-    afterChange_ = false;
     timer1_.stop();
     timer1_.setInterval(1);
     grid_.Clear();

@@ -65,8 +65,6 @@ public:
     // The tick of Timer1: caption, search, grid.
     void Timer1Tick();
     QTimer& Timer1() { return timer1_; }
-    // Timer1 armed by an edit or a delete: the tick waits until no modal window is up.
-    void ArmAfterChange();
     // The grid's rows set to 0 (the main window's call field fell below four characters).
     void ClearList() { grid_.Clear(); }
     int Rows() const { return grid_.rowCount(); }
@@ -104,7 +102,6 @@ private:
     QTableView* view_ = nullptr;
     QMenu* mnVersteckt_ = nullptr;
     QTimer timer1_;
-    bool afterChange_ = false;
     bool unloaded_ = false;
     QLineEdit* text2_ = nullptr;
     QLineEdit* text3_ = nullptr;

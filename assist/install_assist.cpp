@@ -83,16 +83,6 @@ void InstallAssist(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource&) 
     QObject::connect(&w, &HauptForm::trackerRefreshRequested, windows, [windows] {
         if (LogTracker* t = windows->OpenTracker()) t->Timer1().start();
     });
-    // An edit or a delete changes the log behind both windows: they refresh once the
-    // correction's own window has closed.
-    auto afterChange = [windows] {
-        if (DBLog* d = windows->OpenDBLog()) d->ArmAfterChange();
-    };
-    QObject::connect(&w, &HauptForm::bearbeitenRequested, windows, afterChange);
-    QObject::connect(&w, &HauptForm::loeschenRequested, windows, [windows, afterChange] {
-        afterChange();
-        if (LogTracker* t = windows->OpenTracker()) t->ArmAfterChange();
-    });
 }
 
 DBLog* DBLogOf(const HauptForm& w) {

@@ -14,11 +14,6 @@
 #include <QTableWidget>
 
 namespace kolibrino {
-namespace {
-
-constexpr int kModalRetryMs = 50;
-
-} // namespace
 
 LogTracker::LogTracker(HauptForm& main, Model& m, QAction* menuEntry, QWidget* parent)
     : QWidget(parent, Qt::Tool), main_(main), m_(m), menuEntry_(menuEntry),
@@ -101,17 +96,7 @@ bool LogTracker::Ticked(int row, int column) const {
     return item && !item->text().isEmpty();
 }
 
-void LogTracker::ArmAfterChange() {
-    afterChange_ = true;
-    timer1_.start(1);
-}
-
 void LogTracker::Timer1Tick() {
-    if (afterChange_ && QApplication::activeModalWidget()) {
-        timer1_.start(kModalRetryMs);
-        return;
-    }
-    afterChange_ = false;
     timer1_.stop();
     timer1_.setInterval(1);
     for (int r = 0; r < 3; ++r)

@@ -35,8 +35,6 @@ public:
     void Load();
     void Timer1Tick();
     QTimer& Timer1() { return timer1_; }
-    // Timer1 armed by an edit or a delete: the tick waits until no modal window is up.
-    void ArmAfterChange();
 
     QTableWidget* Grid() const { return grid_; }
     // The inner cell of row 0..2 (40, 80, 30 m) and column 0..3; true when it holds a tick.
@@ -54,7 +52,6 @@ private:
     QLabel* label1_ = nullptr;
     QLabel* label2_ = nullptr;
     QTimer timer1_;
-    bool afterChange_ = false;
     bool unloaded_ = false;
 };
 

@@ -1,10 +1,7 @@
 #include "corrections/install_corrections.h"
 
 #include "core/backup.h"
-#include "core/log_file.h"
-#include "core/tallies.h"
 #include "corrections/bearbeiten.h"
-#include "corrections/correction_counters.h"
 #include "corrections/delete_entry.h"
 #include "corrections/zeit_aendern.h"
 #include "entry/log_grid_view.h"
@@ -25,6 +22,24 @@ void BackupAfterChange(HauptForm& w, Model& m, Dialogs& dialogs) {
                    m.ExtraBackupPath);
 }
 
+// The companion windows that show data derived from the log, told to rebuild once the
+// change is in the model and the file. Each rebuilds on its own one-shot timer, after
+// the present event.
+struct Refresh {
+    bool statistik = false;
+    bool karten = false; // the district map and the multiplier table
+    bool tracker = false;
+    bool dbLog = false;
+};
+
+void RequestRefresh(HauptForm& w, const Model& m, Refresh r) {
+    if (r.statistik && m.Open.Statistik) emit w.statistikRefreshRequested();
+    if (r.karten && m.Open.BZKarte) emit w.bzKarteRefreshRequested();
+    if (r.karten && m.Open.GridKarte) emit w.gridKarteRefreshRequested();
+    if (r.tracker && m.Open.LogTracker) emit w.trackerRefreshRequested();
+    if (r.dbLog && m.Open.DBLog) emit w.dbLogRefreshRequested();
+}
+
 void FocusCall(HauptForm& w) {
     if (auto* t = w.findChild<QLineEdit*>(QStringLiteral("Text3"))) t->setFocus(Qt::OtherFocusReason);
 }
@@ -42,23 +57,20 @@ void LoeschenFlow(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource& cl
         return;
     }
     if (r.outcome != DeleteResult::Deleted) return;
-    // The map and the table learn of the district and state station that lost a contact.
-    if (r.countersLowered) {
-        if (m.Open.BZKarte && w.bzKarteFuellen) w.bzKarteFuellen(r.bezirk);
-        if (m.Open.GridKarte && w.gridKarteCellColor) {
-            if (IsStaatsfunkCall(r.call))
-                w.gridKarteCellColor(r.bezirk, 0, r.call.left(3));
-            else
-                w.gridKarteCellColor(r.bezirk, GruppeOf(m, BezirkNumber(m, r.bezirk)), QString());
-        }
-    }
-    if (m.Open.Statistik) emit w.statistikRefreshRequested();
+    // After Cancel on a failed write the file lags behind: the next contact or the
+    // closing writes it again.
+    w.SetFileUpToDate(r.fileWritten);
     // The selection stays at the place of the deleted row.
     if (LogGridView* v = w.GridView(); v && w.Grid().DataRows() > 0)
         v->setCurrentIndex(w.Grid().index(std::min(row, w.Grid().DataRows() - 1), 0));
     BackupAfterChange(w, m, dialogs);
-    if (m.Open.LogTracker) emit w.trackerRefreshRequested();
-    if (m.Open.DBLog) emit w.dbLogRefreshRequested();
+    // A district or state station that lost its contact can lose its colour, which only
+    // a repaint of the whole map and table takes away. A deleted or promoted dupe leaves
+    // them as they were.
+    Refresh refresh;
+    refresh.statistik = refresh.tracker = refresh.dbLog = true;
+    refresh.karten = r.countersLowered;
+    RequestRefresh(w, m, refresh);
     FocusCall(w);
 }
 
@@ -71,19 +83,13 @@ void BearbeitenFlow(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource& 
     Bearbeiten window(w, m, dialogs, clock, row);
     if (!window.Open()) return;
     window.ShowModal();
+    Refresh refresh;
+    refresh.tracker = true; // when the window has closed, applied or not
     if (window.Applied()) {
-        if (m.Open.BZKarte && w.bzKarteFuellen) {
-            w.bzKarteFuellen(window.Result().oldBezirk);
-            w.bzKarteFuellen(window.Result().newBezirk);
-        }
-        if (m.Open.GridKarte && w.gridKarteCellColor) {
-            for (const QString& b : {window.Result().oldBezirk, window.Result().newBezirk})
-                w.gridKarteCellColor(b, GruppeOf(m, BezirkNumber(m, b)), QString());
-        }
-        if (m.Open.Statistik) emit w.statistikRefreshRequested();
+        w.SetFileUpToDate(window.Result().fileWritten);
+        refresh.statistik = refresh.karten = refresh.dbLog = true;
     }
-    // When the window has closed, applied or not.
-    if (m.Open.LogTracker) emit w.trackerRefreshRequested();
+    RequestRefresh(w, m, refresh);
     BackupAfterChange(w, m, dialogs);
     FocusCall(w);
 }

@@ -316,9 +316,14 @@ void ZeitAendern::Command6Click() {
         if (auto* band = main_.findChild<QComboBox*>(QStringLiteral("Combo1")))
             main_.frequenzFreqAlt(band->currentIndex());
     }
-    // The score and the call check show derived data of the log read back.
+    // The file holds the whole log now; every companion window shows data derived
+    // from the log read back.
+    main_.SetFileUpToDate(true);
     if (m_.Open.Statistik) emit main_.statistikRefreshRequested();
+    if (m_.Open.BZKarte) emit main_.bzKarteRefreshRequested();
+    if (m_.Open.GridKarte) emit main_.gridKarteRefreshRequested();
     if (m_.Open.LogTracker) emit main_.trackerRefreshRequested();
+    if (m_.Open.DBLog) emit main_.dbLogRefreshRequested();
     changesMade_ = false;
     command6_->setEnabled(false);
     closing_ = true;

@@ -106,6 +106,9 @@ public:
     QAction* Action(const QString& objectName) const;
     // Whether the last contact reached the file.
     bool FileUpToDate() const { return fileUpToDate_; }
+    // A correction tells whether its rewrite of the file worked; when it did not, the
+    // next contact or the closing writes the whole file again.
+    void SetFileUpToDate(bool upToDate) { fileUpToDate_ = upToDate; }
 
     // Window members: ShiftDown, the reminder flags OfferedPeriod1 and OfferedPeriod2,
     // the call list.

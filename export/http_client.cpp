@@ -4,6 +4,7 @@
 
 #include <QCryptographicHash>
 #include <QFileInfo>
+#include <algorithm>
 #include <curl/curl.h>
 #include <memory>
 #include <mutex>
@@ -41,6 +42,35 @@ Easy NewEasy(const HttpTimeouts& t) {
 size_t Append(char* data, size_t size, size_t n, void* target) {
     static_cast<QByteArray*>(target)->append(data, qsizetype(size * n));
     return size * n;
+}
+
+// A look-up that hangs must not hold the caller in the handle's cleanup: the resolver
+// thread is left to finish on its own.
+void NoWaitForResolver(CURL* e) {
+#if LIBCURL_VERSION_NUM >= 0x075700
+    curl_easy_setopt(e, CURLOPT_QUICK_EXIT, 1L);
+#else
+    (void)e;
+#endif
+}
+
+QString FailureText(CURLcode rc, const QString& what, const char* detail) {
+    switch (rc) {
+    case CURLE_COULDNT_RESOLVE_HOST:
+        return QStringLiteral("Der Name des Servers lässt sich nicht auflösen: %1").arg(what);
+    case CURLE_COULDNT_CONNECT:
+        return QStringLiteral("Keine Verbindung zu %1 möglich").arg(what);
+    case CURLE_OPERATION_TIMEDOUT:
+        return QStringLiteral("Zeitüberschreitung bei %1").arg(what);
+    case CURLE_PARTIAL_FILE:
+        return QStringLiteral("Die Übertragung von %1 ist unvollständig").arg(what);
+    case CURLE_GOT_NOTHING:
+    case CURLE_WEIRD_SERVER_REPLY:
+        return QStringLiteral("Keine gültige Antwort des Servers auf %1").arg(what);
+    default:
+        return QStringLiteral("Fehler bei %1: %2")
+            .arg(what, QString::fromLocal8Bit(detail && *detail ? detail : curl_easy_strerror(rc)));
+    }
 }
 
 QByteArray Url(const QString& host, const QString& path) {
@@ -154,14 +184,59 @@ bool HttpDownloadFile(const QString& url, const QString& file, bool nocache, con
 
 bool ServerPing(const QString& host, long timeoutMs) {
     const HostPort hp = SplitHost(host);
-    if (hp.host.isEmpty()) return false;
+    return ServerPingText(hp.host, hp.port, timeoutMs).isEmpty();
+}
+
+QString ServerPingText(const QString& host, int port, long timeoutMs) {
+    const QString what = QStringLiteral("%1:%2").arg(host).arg(port);
+    if (host.isEmpty() || port <= 0 || port > 65535)
+        return QStringLiteral("Kein gültiger Server: \"%1\"").arg(what);
     Easy e = NewEasy(HttpTimeouts{timeoutMs, timeoutMs});
-    if (!e) return false;
-    const QByteArray url = Url(host, QStringLiteral("/"));
+    if (!e) return QStringLiteral("Fehler bei %1: libcurl nicht bereit").arg(what);
+    NoWaitForResolver(e.get());
+    char detail[CURL_ERROR_SIZE] = {};
+    const QByteArray url = QStringLiteral("http://%1:%2/").arg(host).arg(port).toUtf8();
     curl_easy_setopt(e.get(), CURLOPT_URL, url.constData());
     curl_easy_setopt(e.get(), CURLOPT_PROXY, "");
     curl_easy_setopt(e.get(), CURLOPT_CONNECT_ONLY, 1L);
-    return curl_easy_perform(e.get()) == CURLE_OK;
+    curl_easy_setopt(e.get(), CURLOPT_ERRORBUFFER, detail);
+    const CURLcode rc = curl_easy_perform(e.get());
+    return rc == CURLE_OK ? QString() : FailureText(rc, what, detail);
+}
+
+QString HttpDownload(const QString& url, const QString& file, const DownloadOptions& o) {
+    Easy e = NewEasy(HttpTimeouts{o.connectMs, o.transferMs});
+    if (!e) return QStringLiteral("Fehler bei %1: libcurl nicht bereit").arg(url);
+    NoWaitForResolver(e.get());
+    Slist headers;
+    if (o.nocache) {
+        curl_slist* raw = curl_slist_append(nullptr, "Cache-Control: no-cache");
+        if (raw) raw = curl_slist_append(raw, "Pragma: no-cache");
+        headers.reset(raw);
+        if (!headers) return QStringLiteral("Fehler bei %1: kein Speicher").arg(url);
+        curl_easy_setopt(e.get(), CURLOPT_HTTPHEADER, headers.get());
+    }
+    if (o.idleMs > 0) {
+        curl_easy_setopt(e.get(), CURLOPT_LOW_SPEED_LIMIT, 1L);
+        curl_easy_setopt(e.get(), CURLOPT_LOW_SPEED_TIME, std::max(1L, (o.idleMs + 999) / 1000));
+    }
+    char detail[CURL_ERROR_SIZE] = {};
+    QByteArray answer;
+    const QByteArray u = url.toUtf8();
+    curl_easy_setopt(e.get(), CURLOPT_URL, u.constData());
+    curl_easy_setopt(e.get(), CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(e.get(), CURLOPT_MAXREDIRS, 5L);
+    curl_easy_setopt(e.get(), CURLOPT_FAILONERROR, 1L);
+    curl_easy_setopt(e.get(), CURLOPT_ERRORBUFFER, detail);
+    curl_easy_setopt(e.get(), CURLOPT_WRITEFUNCTION, &Append);
+    curl_easy_setopt(e.get(), CURLOPT_WRITEDATA, &answer);
+    const CURLcode rc = curl_easy_perform(e.get());
+    long status = 0;
+    curl_easy_getinfo(e.get(), CURLINFO_RESPONSE_CODE, &status);
+    if (rc == CURLE_HTTP_RETURNED_ERROR || (rc == CURLE_OK && status != 200))
+        return QStringLiteral("Der Server antwortet auf %1 mit %2").arg(url).arg(status);
+    if (rc != CURLE_OK) return FailureText(rc, url, detail);
+    return WriteFileAtomic(file, answer);
 }
 
 QString MD5Sum(const QByteArray& bytes) {

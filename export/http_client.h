@@ -61,6 +61,21 @@ bool HttpDownloadFile(const QString& url, const QString& file, bool nocache,
 // A TCP connect to the server's port.
 bool ServerPing(const QString& host, long timeoutMs = 3000);
 
+// A download as the self-update needs it: the file is replaced atomically only on an
+// answer 200 (after redirects), and a failure comes back as a German text that names
+// the cause (no such name, refused, timeout, the server's status); empty on success.
+struct DownloadOptions {
+    bool nocache = false;    // Cache-Control: no-cache and Pragma: no-cache
+    long connectMs = 10'000; // name look-up and connect together
+    long transferMs = 0;     // the whole request; 0: no limit
+    long idleMs = 0;         // > 0: give up when no byte has come for this long (whole seconds)
+};
+QString HttpDownload(const QString& url, const QString& file, const DownloadOptions& options);
+// A TCP connect to host:port, never through a proxy, name look-up and connect within
+// timeoutMs together. Empty on success, else a German text that names the cause. A
+// name look-up still running at the timeout is left to end on its own thread.
+QString ServerPingText(const QString& host, int port, long timeoutMs);
+
 // The MD5 of the bytes as 32 upper-case hexadecimal digits. For no bytes it returns
 // the message "keine Daten zum MD5Sum berechnen übergeben". Callers tell the cases
 // apart by length alone: 32 is a digest, 33 and more a message to show, fewer than

@@ -375,7 +375,7 @@ private slots:
         QVERIFY(t->Ticked(0, 1));
     }
 
-    void anEditOrADeleteRefreshesBothWindowsAfterItsBox() {
+    void theRefreshRequestsOfACorrectionRebuildBothWindows() {
         AssistFixture f;
         QVERIFY(f.StartWith(SmallLog()));
         DBLog* d = f.OpenDBLog();
@@ -383,12 +383,12 @@ private slots:
         QTest::keyClicks(f.Text(3), QStringLiteral("6XY"));
         QTRY_COMPARE(d->Rows(), 1);
         AssistFixture::Settle();
-        // A correction moves the contact into the morning while its request is handled.
+        // A correction has moved the contact into the morning and tells the windows so.
         f.home.model.LogRecords[2].Zeit = QStringLiteral("06:30:00");
-        emit f.window->bearbeitenRequested(2);
+        emit f.window->dbLogRefreshRequested();
         QVERIFY(d->Timer1().isActive());
         QTRY_COMPARE(d->Grid().CellColour(0, 0), 255);
-        emit f.window->loeschenRequested(2);
+        emit f.window->trackerRefreshRequested();
         QVERIFY(t->Timer1().isActive());
     }
 };

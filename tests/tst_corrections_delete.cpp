@@ -255,13 +255,13 @@ private slots:
         QObject::connect(f.window.get(), &HauptForm::statistikRefreshRequested, [&] { told << "Statistik"; });
         QObject::connect(f.window.get(), &HauptForm::trackerRefreshRequested, [&] { told << "LogTracker"; });
         QObject::connect(f.window.get(), &HauptForm::dbLogRefreshRequested, [&] { told << "DBLog"; });
-        f.window->bzKarteFuellen = [&](const QString& b) { told << QStringLiteral("Karte ") + b; };
+        QObject::connect(f.window.get(), &HauptForm::bzKarteRefreshRequested, [&] { told << "Karte"; });
         f.dialogs.AnswerMsgBox(Msg::Yes);
         f.Popup(f.RowOf(4), "MnVerstecktLoeschen");
         QVERIFY(told.contains(QStringLiteral("Statistik")));
         QVERIFY(told.contains(QStringLiteral("LogTracker")));
         QVERIFY(told.contains(QStringLiteral("DBLog")));
-        QVERIFY(told.contains(QStringLiteral("Karte GZ")));
+        QVERIFY(told.contains(QStringLiteral("Karte")));
         QVERIFY(f.window->Timer3().isActive());
     }
 

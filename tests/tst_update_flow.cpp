@@ -3,7 +3,7 @@
 #include "core/scripted_dialogs.h"
 #include "core/settings.h"
 #include "update_server_support.h"
-#include "upkeep/qt_http_standin.h"
+#include "upkeep/http_update_transport.h"
 #include "upkeep/update_flow.h"
 
 using namespace kolibrino;
@@ -77,7 +77,7 @@ private slots:
                          server.Publish(QStringLiteral("OeCallList.txt"), kCalls, 5) +
                          server.Publish(QStringLiteral("BZ_Karte.gif"), kMap, 4) +
                          server.Publish(QStringLiteral("Info.txt"), "Hallo", 1));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         QCOMPARE(int(c.outcome), int(CheckOutcome::Offered));
         QCOMPARE(c.entries.size(), size_t(4));
@@ -91,7 +91,7 @@ private slots:
         test::UpdateServerProcess server;
         IniWrite({}, QStringLiteral("bez_koord.txt"), QStringLiteral("Version"), 6);
         server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         QCOMPARE(int(CheckForUpdates(home.model, t, server.Server()).outcome), int(CheckOutcome::NoUpdates));
     }
 
@@ -100,7 +100,7 @@ private slots:
         test::UpdateServerProcess server;
         server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
                          server.Publish(QStringLiteral("BZ_Karte.gif"), kMap, 2));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         ScriptedDialogs d;
         QStringList busy;
@@ -128,7 +128,7 @@ private slots:
         test::UpdateServerProcess server;
         server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
                          server.Publish(QStringLiteral("OeCallList.txt"), kCalls, 2));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         ScriptedDialogs d;
         std::vector<UpdateBox> boxes = AllOffered(c);
@@ -146,7 +146,7 @@ private slots:
         server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
                          server.Publish(QStringLiteral("OeCallList.txt"), kCalls, 2, "etwas anderes") +
                          server.Publish(QStringLiteral("BZ_Karte.gif"), kMap, 2));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         ScriptedDialogs d;
         const InstallResult r =
@@ -173,7 +173,7 @@ private slots:
         server.WriteList(test::UpdateServerProcess::ListLine(QStringLiteral("fehlt1.txt"), "x", 3) +
                          server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
                          test::UpdateServerProcess::ListLine(QStringLiteral("fehlt2.txt"), "y", 3));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         ScriptedDialogs d;
         const InstallResult r =
@@ -196,7 +196,7 @@ private slots:
     void missingListIsADownloadFailure() {
         test::Home home;
         test::UpdateServerProcess server;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         QCOMPARE(int(c.outcome), int(CheckOutcome::ListFailed));
         QVERIFY(c.detail.contains(QStringLiteral("404")));
@@ -207,7 +207,7 @@ private slots:
         UpdateServer s;
         s.host = QStringLiteral("127.0.0.1");
         s.port = test::FreeLoopbackPort();
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, s);
         QCOMPARE(int(c.outcome), int(CheckOutcome::Unreachable));
         QVERIFY(!c.detail.isEmpty());
@@ -217,8 +217,57 @@ private slots:
         test::Home home;
         UpdateServer s;
         s.host = test::UnresolvableName();
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         QCOMPARE(int(CheckForUpdates(home.model, t, s).outcome), int(CheckOutcome::Unreachable));
+    }
+
+    void hostThatNeverAnswersTheConnectIsUnreachable() {
+        test::Home home;
+        test::SilentHost silent;
+        silent.Fill();
+        UpdateServer s;
+        s.host = QStringLiteral("127.0.0.1");
+        s.port = silent.port;
+        HttpUpdateTransport t;
+        const CheckResult c = CheckForUpdates(home.model, t, s);
+        QCOMPARE(int(c.outcome), int(CheckOutcome::Unreachable));
+        QVERIFY(c.detail.contains(QStringLiteral("Zeitüberschreitung")));
+    }
+
+    void serverThatTakesTheRequestButNeverAnswersIsGivenUp() {
+        test::Home home;
+        test::SilentHost silent;
+        UpdateServer s;
+        s.host = QStringLiteral("127.0.0.1");
+        s.port = silent.port;
+        HttpUpdateTransport t;
+        QVERIFY(t.Ping(s.host, s.port, kPingTimeoutMs).isEmpty()); // the connect itself works
+        const QString file = home.model.TmpFolder + QStringLiteral("KOLBOUpd.txt");
+        const QString failure =
+            t.Download(s.FileUrl(QStringLiteral("KOLBOUpd.txt")), file, TransportTimeouts{1500, 1000});
+        QVERIFY(failure.contains(QStringLiteral("Zeitüberschreitung")));
+        QVERIFY(!QFile::exists(file));
+    }
+
+    void downloadsAskEveryCacheForAFreshCopy() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
+        HttpUpdateTransport t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        ScriptedDialogs d;
+        InstallUpdates(home.model, d, t, server.Server(), c.entries, AllOffered(c), Program());
+        const QString log = QString::fromLatin1(test::ReadBytes(server.RequestLog()));
+        const QStringList requests = log.split(QStringLiteral("GET "), Qt::SkipEmptyParts);
+        QCOMPARE(requests.size(), 2);
+        QVERIFY(
+            requests[0].startsWith(QStringLiteral("/export/radkl/download/ZEFT/kolibrino/KOLBOUpd.txt ")));
+        QVERIFY(
+            requests[1].startsWith(QStringLiteral("/export/radkl/download/ZEFT/kolibrino/bez_koord.txt ")));
+        for (const QString& r : requests) {
+            QVERIFY(r.contains(QStringLiteral("Cache-Control: no-cache")));
+            QVERIFY(r.contains(QStringLiteral("Pragma: no-cache")));
+        }
     }
 
     void noServerSetMeansNoCheck() {
@@ -226,7 +275,7 @@ private slots:
         const UpdateServer s = ReadUpdateServer(home.model.IniPath);
         QVERIFY(s.host.isEmpty());
         QCOMPARE(s.path, QStringLiteral("/export/radkl/download/ZEFT/kolibrino/"));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         QCOMPARE(int(CheckForUpdates(home.model, t, s).outcome), int(CheckOutcome::NoServer));
         QVERIFY(CheckAtStart(home.model.IniPath));
         IniWrite({}, QStringLiteral("Update"), QStringLiteral("BeimStart"), 0);
@@ -253,7 +302,7 @@ private slots:
     void nothingListedOrNothingTicked() {
         test::Home home;
         ScriptedDialogs d;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         UpdateServer s;
         QCOMPARE(int(InstallUpdates(home.model, d, t, s, {}, {}, Program()).outcome),
                  int(InstallOutcome::NothingListed));
@@ -269,7 +318,7 @@ private slots:
     void installWithServerGoneSaysUnreachable() {
         test::Home home;
         ScriptedDialogs d;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         UpdateServer s;
         s.host = QStringLiteral("127.0.0.1");
         s.port = test::FreeLoopbackPort();
@@ -286,7 +335,7 @@ private slots:
         test::UpdateServerProcess server;
         server.WriteList(server.Publish(QStringLiteral("kolibrino.bin"), "#!/bin/sh\n", 100000) +
                          server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         QCOMPARE(c.offered.size(), size_t(2));
         ScriptedDialogs d;
@@ -305,7 +354,7 @@ private slots:
         test::UpdateServerProcess server;
         server.WriteList(server.Publish(QStringLiteral("Kolibrino.bin"), "#!/bin/sh\n", 100001) +
                          server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         ScriptedDialogs d;
         const InstallResult r =
@@ -323,7 +372,7 @@ private slots:
         test::UpdateServerProcess server;
         server.WriteList(server.Publish(QStringLiteral("kolibrino.bin"), "#!/bin/sh\n", 100001) +
                          server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         ScriptedDialogs d;
         const InstallResult r =

@@ -3,7 +3,7 @@
 #include "setup/modal.h"
 #include "tst_main_window_support.h"
 #include "update_server_support.h"
-#include "upkeep/qt_http_standin.h"
+#include "upkeep/http_update_transport.h"
 #include "upkeep/replace_script.h"
 #include "upkeep/update_window.h"
 #include "upkeep/upkeep_install.h"
@@ -63,7 +63,7 @@ private slots:
         IniWrite({}, QStringLiteral("bez_koord.txt"), QStringLiteral("Version"), 6);
         server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
         ScriptedDialogs d;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         UpdateWindow w(home.model, d, t, server.Server(), Program(), true);
         bool driven = false;
         setup::PushModalDriver([&](QDialog&) { driven = true; });
@@ -77,7 +77,7 @@ private slots:
     void splashWayWithTheServerDownGoesOnWithNoWord() {
         test::Home home;
         ScriptedDialogs d;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         UpdateServer s;
         s.host = QStringLiteral("127.0.0.1");
         s.port = test::FreeLoopbackPort();
@@ -89,7 +89,7 @@ private slots:
 
     void menuWayMessagesWhenUnreachableOrNothingNew() {
         test::Home home;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         {
             ScriptedDialogs d;
             UpdateServer s;
@@ -121,7 +121,7 @@ private slots:
         test::Home home;
         test::UpdateServerProcess server;
         ScriptedDialogs d;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         UpdateWindow w(home.model, d, t, server.Server(), Program(), true);
         setup::PushModalDriver([&](QDialog&) {
             QVERIFY(w.findChild<QWidget*>(QStringLiteral("Picture4"))->isVisible());
@@ -144,7 +144,7 @@ private slots:
                          server.Publish(QStringLiteral("OeCallList.txt"), "OE1ABC;Anna\r\n", 3) +
                          server.Publish(QStringLiteral("BZ_Karte.gif"), QByteArray(5000, 'g'), 2));
         ScriptedDialogs d;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         UpdateWindow w(home.model, d, t, server.Server(), Program(), true);
         w.splashPauseMs = 50;
         setup::PushModalDriver([&](QDialog&) {
@@ -189,7 +189,7 @@ private slots:
         server->WriteList(server->Publish(QStringLiteral("bez_koord.txt"), kBez, 6));
         const UpdateServer s = server->Server();
         ScriptedDialogs d;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         UpdateWindow w(home.model, d, t, s, Program(), true);
         w.splashPauseMs = 0;
         setup::PushModalDriver([&](QDialog&) {
@@ -212,7 +212,7 @@ private slots:
         test::WriteBytes(exe, "#!/bin/sh\n");
         server.WriteList(server.Publish(QStringLiteral("kolibrino.bin"), "#!/bin/sh\n# neu\n", 100001));
         ScriptedDialogs d;
-        QtHttpStandIn t;
+        HttpUpdateTransport t;
         UpdateWindow w(home.model, d, t, server.Server(), Program(exe), false);
         bool ended = false;
         w.endProcess = [&] { ended = true; };

@@ -1,6 +1,7 @@
-// The two network calls the update needs, behind a small interface so that the
-// program's shared HTTP layer can stand behind it: a TCP-connect "ping" of a host and
-// port, and the download of one URL into a file, bypassing every cache.
+// The two network calls the update needs, behind a small interface: a TCP-connect
+// "ping" of a host and port, and the download of one URL into a file, bypassing every
+// cache. The program's shared HTTP layer (libcurl) stands behind it as
+// HttpUpdateTransport (upkeep/http_update_transport.h).
 //
 // Called by the update flow on the window thread; both calls block for at most their
 // timeouts (the name look-up included). Both return the empty text on success, else a

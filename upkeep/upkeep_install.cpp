@@ -2,8 +2,8 @@
 
 #include "entry/main_window.h"
 #include "setup/modal.h"
+#include "upkeep/http_update_transport.h"
 #include "upkeep/info_window.h"
-#include "upkeep/qt_http_standin.h"
 #include "upkeep/update_window.h"
 
 #include <QAction>
@@ -19,7 +19,7 @@ bool RunUpdateWindow(QWidget* parent, Model& m, Dialogs& dialogs, UpdateTranspor
 
 void InstallUpkeep(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource&,
                    std::shared_ptr<UpdateTransport> transport) {
-    if (!transport) transport = std::make_shared<QtHttpStandIn>();
+    if (!transport) transport = std::make_shared<HttpUpdateTransport>();
     w.updateAtStart = [&m, &dialogs, transport] {
         if (!CheckAtStart(m.IniPath) || ReadUpdateServer(m.IniPath).host.isEmpty()) return;
         RunUpdateWindow(nullptr, m, dialogs, *transport, true);

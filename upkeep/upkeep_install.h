@@ -3,7 +3,7 @@
 // "Info", and "Anleitung als pdf" (the main window opens the shipped manual).
 //
 // GUI thread only; call once, before HauptForm::Load(). The references must outlive the
-// window. transport: the network behind the update; null takes the Qt stand-in. Never
+// window. transport: the network behind the update; null takes the libcurl one. Never
 // fails; after updates from the menu the main window is closed, which ends the program.
 #pragma once
 
