@@ -38,18 +38,18 @@ public:
     // The line of a row with its CR LF.
     void Write(ByteOut& out, int row) {
         const LogGridModel& g = grid_;
-        const QString datum = g.Text(row, kGridColDatum);
-        const QString zeit = g.Text(row, kGridColZeit);
-        const QString band = g.Text(row, kGridColBand);
-        const QString mode = g.Text(row, kGridColMode);
-        const QString call = g.Text(row, kGridColCall);
-        const QString rstSent = g.Text(row, 5);
-        const QString rstRcvd = g.Text(row, 6);
-        const QString bezirk = g.Text(row, kGridColBezirk);
-        const QString qsl = g.Text(row, 8);
-        const QString notes = g.Text(row, 9);
-        const QString op = g.Text(row, 10);
-        const QString freq = g.Text(row, kGridColFrequenz);
+        const QString& datum = g.Cell(row, kGridColDatum);
+        const QString& zeit = g.Cell(row, kGridColZeit);
+        const QString& band = g.Cell(row, kGridColBand);
+        const QString& mode = g.Cell(row, kGridColMode);
+        const QString& call = g.Cell(row, kGridColCall);
+        const QString& rstSent = g.Cell(row, 5);
+        const QString& rstRcvd = g.Cell(row, 6);
+        const QString& bezirk = g.Cell(row, kGridColBezirk);
+        const QString& qsl = g.Cell(row, 8);
+        const QString& notes = g.Cell(row, 9);
+        const QString& op = g.Cell(row, 10);
+        const QString& freq = g.Cell(row, kGridColFrequenz);
         const QByteArray& date = date_(datum);
         out.Room(400 + date.size() + zeit.size() + band.size() + mode.size() + call.size() + rstSent.size() +
                  rstRcvd.size() + bezirk.size() + notes.size() + op.size() + freq.size() +
@@ -58,16 +58,8 @@ public:
         p = PutLiteral(p, "<QSO_DATE:8>");
         p = PutBytes(p, date);
         p = PutLiteral(p, "<TIME_ON:4>");
-        if (const std::optional<int> minutes = GridMinutes(formats_, zeit)) {
-            const int m = *minutes;
-            p[0] = char('0' + m / 600);
-            p[1] = char('0' + m / 60 % 10);
-            p[2] = char('0' + m % 60 / 10);
-            p[3] = char('0' + m % 10);
-            p += 4;
-        } else {
-            p = WriteCp1252(p, GridTimeHhmm(formats_, zeit));
-        }
+        const std::optional<int> minutes = RowMinutes(formats_, zeit);
+        p = minutes ? PutHhmm(p, *minutes) : WriteCp1252(p, GridTimeHhmm(formats_, zeit));
         p = Tag(p, "<CALL:", call);
         p = Tag(p, "<RST_SENT:", rstSent);
         p = Tag(p, "<RST_RCVD:", rstRcvd);
@@ -92,7 +84,7 @@ public:
         }
         p = Tag(p, "<MODE:", mode);
         p = PutLiteral(p, "<QSL_SENT:1>");
-        *p++ = qsl == QLatin1String("1") ? 'Y' : 'N';
+        *p++ = Is(qsl, "1") ? 'Y' : 'N';
         p = Tag(p, "<BAND:", band);
         if (op != myCall_) p = PutBytes(p, stationCall_);
         p = Tag(p, "<OPERATOR:", op);
@@ -135,7 +127,7 @@ QByteArray BuildAdifBytes(const Model& m, const LogGridModel& grid, const QStrin
     bytes.p = WriteCp1252(bytes.p, out);
     QsoLines lines(m, grid, ownBezirk);
     for (int row = 0; row < grid.DataRows(); ++row) {
-        if (grid.Text(row, kGridColDupe) == QLatin1String("Dupe")) continue;
+        if (Is(grid.Cell(row, kGridColDupe), "Dupe")) continue;
         lines.Write(bytes, row);
     }
     return bytes.Take();

@@ -87,32 +87,23 @@ public:
     char* Write(char* p, int row, qsizetype* slack) {
         const LogGridModel& g = grid_;
         p = PutLiteral(p, "QSO: ");
-        p = PutRight(p, g.Text(row, kGridColFrequenz), 5);
-        p = g.Text(row, kGridColMode) == QLatin1String("CW") ? PutLiteral(p, " CW ") : PutLiteral(p, " PH ");
-        p = PutBytes(p, date_(g.Text(row, kGridColDatum)));
+        p = PutRight(p, g.Cell(row, kGridColFrequenz), 5);
+        p = Is(g.Cell(row, kGridColMode), "CW") ? PutLiteral(p, " CW ") : PutLiteral(p, " PH ");
+        p = PutBytes(p, date_(g.Cell(row, kGridColDatum)));
         *p++ = ' ';
-        const QString zeit = g.Text(row, kGridColZeit);
-        const std::optional<int> minutes = GridMinutes(formats_, zeit);
-        if (minutes) {
-            const int m = *minutes;
-            p[0] = char('0' + m / 600);
-            p[1] = char('0' + m / 60 % 10);
-            p[2] = char('0' + m % 60 / 10);
-            p[3] = char('0' + m % 10);
-            p += 4;
-        } else {
-            p = PutLeft(p, GridTimeHhmm(formats_, zeit), 4);
-        }
+        const QString& zeit = g.Cell(row, kGridColZeit);
+        const std::optional<int> minutes = RowMinutes(formats_, zeit);
+        p = minutes ? PutHhmm(p, *minutes) : PutLeft<4>(p, GridTimeHhmm(formats_, zeit));
         p = (minutes && *minutes >= noon_) ? PutLiteral(p, " 2 ") : PutLiteral(p, " 1 ");
         p = PutBytes(p, myCall_);
-        p = PutLeft(p, g.Text(row, 5), 3);
+        p = PutLeft<3>(p, g.Cell(row, 5));
         *p++ = ' ';
         p = PutBytes(p, ownBezirk_);
-        p = PutLeft(p, g.Text(row, kGridColCall), 13);
+        p = PutLeft<13>(p, g.Cell(row, kGridColCall));
         *p++ = ' ';
-        p = PutLeft(p, g.Text(row, 6), 3);
+        p = PutLeft<3>(p, g.Cell(row, 6));
         *p++ = ' ';
-        const QString bezirk = g.Text(row, kGridColBezirk);
+        const QString& bezirk = g.Cell(row, kGridColBezirk);
         const qsizetype n = std::min<qsizetype>(bezirk.size(), 2);
         p = WriteCp1252(p, QStringView(bezirk).first(n));
         *slack = 2 - n;
@@ -130,18 +121,23 @@ private:
 
 // The operators of the rows written, in the order met, each followed by a blank; an
 // operator that already stands in the text (as a part of a longer call, too) is left out.
-QString Operators(const LogGridModel& grid) {
-    QString operators;
-    QSet<QString> seen; // once in the text, always in the text
-    for (int row = 0; row < grid.DataRows(); ++row) {
-        if (grid.Text(row, kGridColBand) == QLatin1String("30m")) continue;
-        const QString op = grid.Text(row, 10);
-        if (seen.contains(op)) continue;
-        if (!operators.contains(op)) operators += op + QLatin1Char(' ');
-        seen.insert(op);
+class OperatorList {
+public:
+    void Add(const QString& op) {
+        if (last_ && op.size() == last_->size() && (op.constData() == last_->constData() || op == *last_))
+            return;
+        last_ = &op;
+        if (seen_.contains(op)) return; // once in the text, always in the text
+        if (!text_.contains(op)) text_ += op + QLatin1Char(' ');
+        seen_.insert(op);
     }
-    return operators;
-}
+    const QString& Text() const { return text_; }
+
+private:
+    QString text_;
+    QSet<QString> seen_;
+    const QString* last_ = nullptr;
+};
 
 } // namespace
 
@@ -183,28 +179,43 @@ std::optional<QByteArray> BuildCabrilloBytes(const CabrilloSource& src, const Sc
     put(QStringLiteral("ADDRESS-POSTALCODE: ") + h.MYPLZ);
     put(QStringLiteral("ADDRESS-CITY: ") + h.MYCITY);
 
-    put(QStringLiteral("OPERATORS: ") + TrimBlanks(Operators(src.grid)));
-    Soapbox(out, h.MYSTATION);
-    Soapbox(out, h.MYKOMMENT);
+    QString soapbox;
+    Soapbox(soapbox, h.MYSTATION);
+    Soapbox(soapbox, h.MYKOMMENT);
 
+    // The operators line stands above the contacts but is known only after them: the
+    // contacts go behind a gap that then takes the header, so the rows are read once.
+    const qsizetype gap = out.size() + soapbox.size() + 300;
     // Each contact line stands in a slot of 75 characters: a shorter line (a district
     // of fewer than two characters) leaves its blanks in front of the next line.
     // Blanks at the end of the last line's slot and its line end are not written.
     const int rows = src.grid.DataRows();
-    ByteOut bytes(out.size() + qsizetype(75) * rows + 16);
-    bytes.p = WriteCp1252(bytes.p, out);
-    const qsizetype contacts = bytes.Size();
+    ByteOut bytes(gap + qsizetype(75) * rows + 16);
+    bytes.p += gap;
     QsoLines lines(src);
+    OperatorList operators;
     qsizetype slack = 0;
     for (int row = 0; row < rows; ++row) {
-        if (src.grid.Text(row, kGridColBand) == QLatin1String("30m")) continue;
+        if (Is(src.grid.Cell(row, kGridColBand), "30m")) continue;
         bytes.p = PutBlanks(bytes.p, slack);
         bytes.p = lines.Write(bytes.p, row, &slack);
+        operators.Add(src.grid.Cell(row, 10));
     }
-    while (bytes.Size() - contacts >= 2 && std::memcmp(bytes.p - 2, "\r\n", 2) == 0)
+    while (bytes.Size() - gap >= 2 && std::memcmp(bytes.p - 2, "\r\n", 2) == 0)
         bytes.Chop(2);
     bytes.p = PutLiteral(bytes.p, "\r\nEND-OF-LOG:\r\n");
-    return bytes.Take();
+
+    put(QStringLiteral("OPERATORS: ") + TrimBlanks(operators.Text()));
+    out += soapbox;
+    const QByteArray head = ToCp1252(out);
+    QByteArray file = bytes.Take();
+    if (head.size() <= gap) {
+        std::memcpy(file.data() + gap - head.size(), head.constData(), size_t(head.size()));
+        file.remove(0, gap - head.size()); // moves the start only, no copy
+    } else {
+        file.replace(0, gap, head);
+    }
+    return file;
 }
 
 std::optional<QString> BuildCabrillo(const CabrilloSource& src, const ScoreFunction& score) {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include "core/cp1252.h"
+#include "export/export_common.h"
 
 #include <QByteArray>
 #include <QString>
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
+#include <optional>
 
 namespace kolibrino::exporting {
 
@@ -69,14 +71,61 @@ inline char* PutLeft(char* p, QStringView value, qsizetype width) {
     return PutBlanks(WriteCp1252(p, value.first(n)), width - n);
 }
 
+// The same for a width known when compiling: the blanks go first, in one store.
+template <qsizetype W> inline char* PutLeft(char* p, QStringView value) {
+    static constexpr char kBlanks[] = "                ";
+    static_assert(W < qsizetype(sizeof kBlanks));
+    std::memcpy(p, kBlanks, W);
+    const qsizetype n = std::min(value.size(), W);
+    char* end = WriteCp1252(p, value.first(n));
+    return end == p + n ? p + W : PutBlanks(end, W - n); // fewer bytes: a surrogate pair
+}
+
 // Right-aligned in width characters; a longer value keeps its leftmost characters.
 inline char* PutRight(char* p, QStringView value, qsizetype width) {
     const qsizetype n = std::min(value.size(), width);
     return WriteCp1252(PutBlanks(p, width - n), value.first(n));
 }
 
+// Whether a cell is exactly the given ASCII text.
+template <std::size_t N> inline bool Is(const QString& cell, const char (&text)[N]) {
+    if (cell.size() != qsizetype(N - 1)) return false;
+    const char16_t* s = reinterpret_cast<const char16_t*>(cell.constData());
+    for (std::size_t i = 0; i + 1 < N; ++i)
+        if (s[i] != char16_t(text[i])) return false;
+    return true;
+}
+
+// GridMinutes() with the grid's own form "hh:mm" read in place.
+inline std::optional<int> RowMinutes(const LocaleFormats& f, const QString& text) {
+    if (text.size() == 5) {
+        const char16_t* s = reinterpret_cast<const char16_t*>(text.constData());
+        const auto digit = [](char16_t c) { return c >= u'0' && c <= u'9'; };
+        if (digit(s[0]) && digit(s[1]) && s[2] < 0x80 && !digit(s[2]) && digit(s[3]) && digit(s[4])) {
+            const int h = (s[0] - u'0') * 10 + (s[1] - u'0');
+            const int m = (s[3] - u'0') * 10 + (s[4] - u'0');
+            if (h < 24 && m < 60) return h * 60 + m;
+        }
+    }
+    return GridMinutes(f, text);
+}
+
+// Minutes of the day as hhmm.
+inline char* PutHhmm(char* p, int minutes) {
+    p[0] = char('0' + minutes / 600);
+    p[1] = char('0' + minutes / 60 % 10);
+    p[2] = char('0' + minutes % 60 / 10);
+    p[3] = char('0' + minutes % 10);
+    return p + 4;
+}
+
 // A count in decimal digits.
 inline char* PutNumber(char* p, qsizetype n) {
+    if (n >= 0 && n < 100) { // the length of nearly every field
+        if (n >= 10) *p++ = char('0' + n / 10);
+        *p++ = char('0' + n % 10);
+        return p;
+    }
     char digits[24];
     int k = 0;
     do {
