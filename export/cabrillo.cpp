@@ -57,10 +57,6 @@ void Soapbox(QString& out, const QString& text) {
         out += QStringLiteral("SOAPBOX: ") + TrimBlanks(pieces[i]) + kCrLf;
 }
 
-} // namespace
-
-namespace {
-
 // The contact lines of one log. What is the same on every line (own call and district,
 // the border between the periods) is worked out once, and each date once.
 class QsoLines {

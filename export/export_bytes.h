@@ -20,6 +20,8 @@
 
 namespace kolibrino::exporting {
 
+// The bytes of a file being written: p is where the next byte goes. A writer that
+// knows its size ahead reserves it at once; one that does not asks Room() per line.
 class ByteOut {
 public:
     explicit ByteOut(qsizetype reserve = 0) : buf_(std::max<qsizetype>(reserve, 64), Qt::Uninitialized) {
@@ -33,7 +35,6 @@ public:
         p = buf_.data() + used;
     }
     qsizetype Size() const { return p - buf_.constData(); }
-    const char* Data() const { return buf_.constData(); }
     // Drops bytes from the end.
     void Chop(qsizetype n) { p -= n; }
     QByteArray Take() {
