@@ -32,24 +32,27 @@ QString FromCp1252(const QByteArray& bytes) {
     return out;
 }
 
-QByteArray ToCp1252(const QString& text) {
+char* WriteCp1252Rest(char* dst, QStringView text) {
+    const char16_t* p = text.utf16();
     const qsizetype n = text.size();
-    QByteArray out(n, Qt::Uninitialized);
-    char* dst = out.data();
-    const char16_t* p = reinterpret_cast<const char16_t*>(text.constData());
-    qsizetype w = 0;
     for (qsizetype i = 0; i < n; ++i) {
         const char16_t c = p[i];
         if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) {
-            dst[w++] = char(c);
+            *dst++ = char(c);
         } else if (QChar::isHighSurrogate(c) && i + 1 < n && QChar::isLowSurrogate(p[i + 1])) {
-            dst[w++] = '?';
+            *dst++ = '?';
             ++i;
         } else {
-            dst[w++] = EncodeOne(c);
+            *dst++ = EncodeOne(c);
         }
     }
-    out.truncate(w);
+    return dst;
+}
+
+QByteArray ToCp1252(const QString& text) {
+    QByteArray out(text.size(), Qt::Uninitialized);
+    char* end = WriteCp1252(out.data(), text);
+    out.truncate(end - out.constData());
     return out;
 }
 

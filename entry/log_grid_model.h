@@ -68,6 +68,12 @@ public:
     int Rows() const { return int(rows_.size()) + 1; }
     int DataRows() const { return int(rows_.size()); }
     QString Text(int row, int column) const;
+    // The same without a copy, for writers that walk every row.
+    const QString& Cell(int row, int column) const {
+        static const QString kNone;
+        if (row < 0 || row >= int(rows_.size()) || column < 0 || column >= kGridColumns) return kNone;
+        return rows_[size_t(row)].cells[size_t(column)];
+    }
     void SetText(int row, int column, const QString& text);
     // -1 when the cell has no colour of its own.
     int BackColor(int row, int column) const;

@@ -3,6 +3,7 @@
 #include "core/atomic_file.h"
 #include "core/cp1252.h"
 #include "core/error_trap.h"
+#include "export/export_bytes.h"
 #include "export/export_common.h"
 
 #include <QFile>
@@ -10,24 +11,95 @@
 namespace kolibrino::exporting {
 namespace {
 
-void Tag(QString& out, const char* name, const QString& value) {
-    out += QLatin1Char('<');
-    out += QLatin1String(name);
-    out += QLatin1Char(':');
-    qsizetype n = value.size();
-    char digits[24];
-    int k = 0;
-    do {
-        digits[k++] = char('0' + n % 10);
-        n /= 10;
-    } while (n > 0);
-    while (k > 0)
-        out += QLatin1Char(digits[--k]);
-    out += QLatin1Char('>');
-    out += value;
+// "<NAME:" (given with its "<" and ":"), the value's length in characters, ">" and the
+// value. Needs room for the name, 22 bytes and the value.
+template <std::size_t N> char* Tag(char* p, const char (&name)[N], QStringView value) {
+    p = PutLiteral(p, name);
+    p = PutNumber(p, value.size());
+    *p++ = '>';
+    return WriteCp1252(p, value);
 }
 
-void AppendQsoLine(QString& out, const Model& m, const LogGridModel& g, int row, const QString& ownBezirk);
+// The contact lines of one log, with what is the same on every line worked out once.
+class QsoLines {
+public:
+    QsoLines(const Model& m, const LogGridModel& grid, const QString& ownBezirk)
+        : grid_(grid), formats_(m.Formats), myCall_(m.Header.MYCALL),
+          date_([&f = m.Formats](const QString& cell) {
+              return GridDate(f, cell) ? ToCp1252(GridDateText(f, cell, QStringLiteral("yyyyMMdd")))
+                                       : QByteArray();
+          }) {
+        const QString call = QStringLiteral("<STATION_CALLSIGN:") + QString::number(myCall_.size()) +
+                             QLatin1Char('>') + myCall_;
+        stationCall_ = ToCp1252(call);
+        myState_ = ToCp1252(QStringLiteral("<MY_STATE:2>") + ownBezirk);
+    }
+
+    // The line of a row with its CR LF.
+    void Write(ByteOut& out, int row) {
+        const LogGridModel& g = grid_;
+        const QString& datum = g.Cell(row, kGridColDatum);
+        const QString& zeit = g.Cell(row, kGridColZeit);
+        const QString& band = g.Cell(row, kGridColBand);
+        const QString& mode = g.Cell(row, kGridColMode);
+        const QString& call = g.Cell(row, kGridColCall);
+        const QString& rstSent = g.Cell(row, 5);
+        const QString& rstRcvd = g.Cell(row, 6);
+        const QString& bezirk = g.Cell(row, kGridColBezirk);
+        const QString& qsl = g.Cell(row, 8);
+        const QString& notes = g.Cell(row, 9);
+        const QString& op = g.Cell(row, 10);
+        const QString& freq = g.Cell(row, kGridColFrequenz);
+        const QByteArray& date = date_(datum);
+        out.Room(400 + date.size() + zeit.size() + band.size() + mode.size() + call.size() + rstSent.size() +
+                 rstRcvd.size() + bezirk.size() + notes.size() + op.size() + freq.size() +
+                 stationCall_.size() + myState_.size());
+        char* p = out.p;
+        p = PutLiteral(p, "<QSO_DATE:8>");
+        p = PutBytes(p, date);
+        p = PutLiteral(p, "<TIME_ON:4>");
+        const std::optional<int> minutes = RowMinutes(formats_, zeit);
+        p = minutes ? PutHhmm(p, *minutes) : WriteCp1252(p, GridTimeHhmm(formats_, zeit));
+        p = Tag(p, "<CALL:", call);
+        p = Tag(p, "<RST_SENT:", rstSent);
+        p = Tag(p, "<RST_RCVD:", rstRcvd);
+        p = PutBytes(p, myState_);
+        p = PutLiteral(p, "<STATE:2>");
+        p = WriteCp1252(p, bezirk);
+        if (!freq.isEmpty()) {
+            // kHz to MHz: a point before the last three digits.
+            p = PutLiteral(p, "<FREQ:");
+            if (freq.size() < 4) {
+                p = PutNumber(p, freq.size());
+                *p++ = '>';
+                p = WriteCp1252(p, freq);
+            } else {
+                p = PutNumber(p, freq.size() + 1);
+                *p++ = '>';
+                const QStringView f(freq);
+                p = WriteCp1252(p, f.first(f.size() - 3));
+                *p++ = '.';
+                p = WriteCp1252(p, f.last(3));
+            }
+        }
+        p = Tag(p, "<MODE:", mode);
+        p = PutLiteral(p, "<QSL_SENT:1>");
+        *p++ = Is(qsl, "1") ? 'Y' : 'N';
+        p = Tag(p, "<BAND:", band);
+        if (op != myCall_) p = PutBytes(p, stationCall_);
+        p = Tag(p, "<OPERATOR:", op);
+        if (!notes.isEmpty()) p = Tag(p, "<NOTES:", notes);
+        out.p = PutLiteral(p, "<EOR>\r\n");
+    }
+
+private:
+    const LogGridModel& grid_;
+    const LocaleFormats& formats_;
+    const QString myCall_;
+    QByteArray stationCall_; // the whole STATION_CALLSIGN tag
+    QByteArray myState_;     // the whole MY_STATE tag
+    LastText date_;
+};
 
 } // namespace
 
@@ -37,60 +109,32 @@ QString AdifFrequency(const QString& kHz) {
 }
 
 QString AdifQsoLine(const Model& m, const LogGridModel& g, int row, const QString& ownBezirk) {
-    QString out;
-    out.reserve(200);
-    AppendQsoLine(out, m, g, row, ownBezirk);
-    return out;
+    ByteOut out(256);
+    QsoLines(m, g, ownBezirk).Write(out, row);
+    return FromCp1252(out.Take());
 }
 
-namespace {
-
-void AppendQsoLine(QString& out, const Model& m, const LogGridModel& g, int row, const QString& ownBezirk) {
-    static const QString kCompact = QStringLiteral("yyyyMMdd");
-    const auto date = GridDate(m.Formats, g.Text(row, kGridColDatum));
-    out += QStringLiteral("<QSO_DATE:8>");
-    if (date) out += GridDateText(m.Formats, g.Text(row, kGridColDatum), kCompact);
-    out += QStringLiteral("<TIME_ON:4>") + GridTimeHhmm(m.Formats, g.Text(row, kGridColZeit));
-    Tag(out, "CALL", g.Text(row, kGridColCall));
-    Tag(out, "RST_SENT", g.Text(row, 5));
-    Tag(out, "RST_RCVD", g.Text(row, 6));
-    out += QStringLiteral("<MY_STATE:2>") + ownBezirk;
-    out += QStringLiteral("<STATE:2>") + g.Text(row, kGridColBezirk);
-    const QString freq = g.Text(row, kGridColFrequenz);
-    if (!freq.isEmpty()) Tag(out, "FREQ", AdifFrequency(freq));
-    Tag(out, "MODE", g.Text(row, kGridColMode));
-    out += QStringLiteral("<QSL_SENT:1>") +
-           (g.Text(row, 8) == QLatin1String("1") ? QLatin1Char('Y') : QLatin1Char('N'));
-    Tag(out, "BAND", g.Text(row, kGridColBand));
-    const QString op = g.Text(row, 10);
-    if (op != m.Header.MYCALL) Tag(out, "STATION_CALLSIGN", m.Header.MYCALL);
-    Tag(out, "OPERATOR", op);
-    const QString notes = g.Text(row, 9);
-    if (!notes.isEmpty()) Tag(out, "NOTES", notes);
-    out += QStringLiteral("<EOR>\r\n");
-}
-
-} // namespace
-
-QString BuildAdif(const Model& m, const LogGridModel& grid, const QString& ownBezirk) {
+QByteArray BuildAdifBytes(const Model& m, const LogGridModel& grid, const QString& ownBezirk) {
     const QString version = ProgramVersionText();
     QString out;
-    out.reserve(qsizetype(grid.DataRows()) * 180 + 200);
     out += QStringLiteral("; This file was created by ") + ProgramTitle() + QStringLiteral(" v") + version +
            QStringLiteral("  by ZZ9QQQ\r\n");
     out += QStringLiteral("<PROGRAMID:9>Kolibrino\r\n");
     out += QStringLiteral("<PROGRAMVERSION:%1>%2\r\n").arg(version.size()).arg(version);
     out += QStringLiteral("<ADIF_VER:5>2.2.7\r\n");
     out += QStringLiteral("<EOH>\r\n");
+    ByteOut bytes(out.size() + qsizetype(grid.DataRows()) * 180);
+    bytes.p = WriteCp1252(bytes.p, out);
+    QsoLines lines(m, grid, ownBezirk);
     for (int row = 0; row < grid.DataRows(); ++row) {
-        if (grid.Text(row, kGridColDupe) == QLatin1String("Dupe")) continue;
-        AppendQsoLine(out, m, grid, row, ownBezirk);
+        if (Is(grid.Cell(row, kGridColDupe), "Dupe")) continue;
+        lines.Write(bytes, row);
     }
-    return out;
+    return bytes.Take();
 }
 
-QByteArray BuildAdifBytes(const Model& m, const LogGridModel& grid, const QString& ownBezirk) {
-    return ToCp1252(BuildAdif(m, grid, ownBezirk));
+QString BuildAdif(const Model& m, const LogGridModel& grid, const QString& ownBezirk) {
+    return FromCp1252(BuildAdifBytes(m, grid, ownBezirk));
 }
 
 void ExportAdifMenu(Dialogs& dialogs, const Model& m, const LogGridModel& grid, const QString& ownBezirk,

@@ -4,28 +4,17 @@
 #include "core/cp1252.h"
 #include "core/error_trap.h"
 #include "core/vb_text.h"
+#include "export/export_bytes.h"
 #include "export/export_common.h"
 
 #include <QFile>
+#include <QSet>
+#include <cstring>
 
 namespace kolibrino::exporting {
 namespace {
 
 const QString kCrLf = QStringLiteral("\r\n");
-
-// Left-aligned in width: padded with blanks, a longer value cut at the right.
-void PutLeft(QString& out, const QString& value, int width) {
-    out += value.left(width);
-    for (qsizetype i = value.size(); i < width; ++i)
-        out += QLatin1Char(' ');
-}
-
-// Right-aligned in width; a longer value keeps its leftmost characters.
-void PutRight(QString& out, const QString& value, int width) {
-    for (qsizetype i = value.size(); i < width; ++i)
-        out += QLatin1Char(' ');
-    out += value.left(width);
-}
 
 QString CategoryOperator(int k) {
     switch (k) {
@@ -68,48 +57,94 @@ void Soapbox(QString& out, const QString& text) {
         out += QStringLiteral("SOAPBOX: ") + TrimBlanks(pieces[i]) + kCrLf;
 }
 
-} // namespace
+// The contact lines of one log. What is the same on every line (own call and district,
+// the border between the periods) is worked out once, and each date once.
+class QsoLines {
+public:
+    explicit QsoLines(const CabrilloSource& src)
+        : grid_(src.grid), formats_(src.m.Formats),
+          noon_(src.m.MittagsGrenze.hour() * 60 + src.m.MittagsGrenze.minute()),
+          date_([&f = src.m.Formats](const QString& cell) {
+              QByteArray b(10, Qt::Uninitialized);
+              b.truncate(PutLeft(b.data(), GridDateText(f, cell, QStringLiteral("yyyy-MM-dd")), 10) -
+                         b.constData());
+              return b;
+          }) {
+        myCall_.resize(14);
+        myCall_.truncate(PutLiteral(PutLeft(myCall_.data(), src.m.Header.MYCALL, 13), " ") -
+                         myCall_.constData());
+        ownBezirk_.resize(3);
+        ownBezirk_.truncate(PutLiteral(PutLeft(ownBezirk_.data(), src.ownBezirk, 2), " ") -
+                            ownBezirk_.constData());
+    }
 
-namespace {
+    // The line of a row and its CR LF, at p with room for 75 bytes; returns the end.
+    // *slack gets the blanks the line leaves of its slot of 75 characters.
+    char* Write(char* p, int row, qsizetype* slack) {
+        const LogGridModel& g = grid_;
+        p = PutLiteral(p, "QSO: ");
+        p = PutRight(p, g.Cell(row, kGridColFrequenz), 5);
+        p = Is(g.Cell(row, kGridColMode), "CW") ? PutLiteral(p, " CW ") : PutLiteral(p, " PH ");
+        p = PutBytes(p, date_(g.Cell(row, kGridColDatum)));
+        *p++ = ' ';
+        const QString& zeit = g.Cell(row, kGridColZeit);
+        const std::optional<int> minutes = RowMinutes(formats_, zeit);
+        p = minutes ? PutHhmm(p, *minutes) : PutLeft<4>(p, GridTimeHhmm(formats_, zeit));
+        p = (minutes && *minutes >= noon_) ? PutLiteral(p, " 2 ") : PutLiteral(p, " 1 ");
+        p = PutBytes(p, myCall_);
+        p = PutLeft<3>(p, g.Cell(row, 5));
+        *p++ = ' ';
+        p = PutBytes(p, ownBezirk_);
+        p = PutLeft<13>(p, g.Cell(row, kGridColCall));
+        *p++ = ' ';
+        p = PutLeft<3>(p, g.Cell(row, 6));
+        *p++ = ' ';
+        const QString& bezirk = g.Cell(row, kGridColBezirk);
+        const qsizetype n = std::min<qsizetype>(bezirk.size(), 2);
+        p = WriteCp1252(p, QStringView(bezirk).first(n));
+        *slack = 2 - n;
+        return PutLiteral(p, "\r\n");
+    }
 
-void AppendQsoLine(QString& line, const CabrilloSource& src, int row) {
-    const LogGridModel& g = src.grid;
-    const LocaleFormats& f = src.m.Formats;
-    line += QStringLiteral("QSO: ");
-    PutRight(line, g.Text(row, kGridColFrequenz), 5);
-    line +=
-        g.Text(row, kGridColMode) == QLatin1String("CW") ? QStringLiteral(" CW ") : QStringLiteral(" PH ");
-    static const QString kIso = QStringLiteral("yyyy-MM-dd");
-    PutLeft(line, GridDateText(f, g.Text(row, kGridColDatum), kIso), 10);
-    line += QLatin1Char(' ');
-    const QString zeit = g.Text(row, kGridColZeit);
-    PutLeft(line, GridTimeHhmm(f, zeit), 4);
-    const auto minutes = GridMinutes(f, zeit);
-    const int noon = src.m.MittagsGrenze.hour() * 60 + src.m.MittagsGrenze.minute();
-    line += (minutes && *minutes >= noon) ? QStringLiteral(" 2 ") : QStringLiteral(" 1 ");
-    PutLeft(line, src.m.Header.MYCALL, 13);
-    line += QLatin1Char(' ');
-    PutLeft(line, g.Text(row, 5), 3);
-    line += QLatin1Char(' ');
-    PutLeft(line, src.ownBezirk, 2);
-    line += QLatin1Char(' ');
-    PutLeft(line, g.Text(row, kGridColCall), 13);
-    line += QLatin1Char(' ');
-    PutLeft(line, g.Text(row, 6), 3);
-    line += QLatin1Char(' ');
-    line += g.Text(row, kGridColBezirk).left(2);
-}
+private:
+    const LogGridModel& grid_;
+    const LocaleFormats& formats_;
+    const int noon_;
+    QByteArray myCall_;    // MYCALL in 13 characters and a blank
+    QByteArray ownBezirk_; // own district in 2 characters and a blank
+    LastText date_;
+};
+
+// The operators of the rows written, in the order met, each followed by a blank; an
+// operator that already stands in the text (as a part of a longer call, too) is left out.
+class OperatorList {
+public:
+    void Add(const QString& op) {
+        if (last_ && op.size() == last_->size() && (op.constData() == last_->constData() || op == *last_))
+            return;
+        last_ = &op;
+        if (seen_.contains(op)) return; // once in the text, always in the text
+        if (!text_.contains(op)) text_ += op + QLatin1Char(' ');
+        seen_.insert(op);
+    }
+    const QString& Text() const { return text_; }
+
+private:
+    QString text_;
+    QSet<QString> seen_;
+    const QString* last_ = nullptr;
+};
 
 } // namespace
 
 QString CabrilloQsoLine(const CabrilloSource& src, int row) {
-    QString line;
-    line.reserve(80);
-    AppendQsoLine(line, src, row);
-    return line;
+    char line[75];
+    qsizetype slack = 0;
+    const char* end = QsoLines(src).Write(line, row, &slack);
+    return FromCp1252(QByteArray(line, end - line - 2));
 }
 
-std::optional<QString> BuildCabrillo(const CabrilloSource& src, const ScoreFunction& score) {
+std::optional<QByteArray> BuildCabrilloBytes(const CabrilloSource& src, const ScoreFunction& score) {
     const LogHeader& h = src.m.Header;
     QString out;
     auto put = [&out](const QString& line) { out += line + kCrLf; };
@@ -140,45 +175,49 @@ std::optional<QString> BuildCabrillo(const CabrilloSource& src, const ScoreFunct
     put(QStringLiteral("ADDRESS-POSTALCODE: ") + h.MYPLZ);
     put(QStringLiteral("ADDRESS-CITY: ") + h.MYCITY);
 
-    // One buffer of blanks with a slot of 75 characters per row; a contact line
-    // overwrites the start of its slot, so a short line leaves its blanks in front
-    // of the next one.
-    const int rows = src.grid.Rows();
-    QString buffer(qsizetype(75) * rows, QLatin1Char(' '));
-    QString operators;
-    QString line;
-    line.reserve(80);
-    int skipped = 0;
-    for (int i = 1; i < rows; ++i) {
-        const int row = i - 1; // data rows count from 0 in the grid model
-        if (src.grid.Text(row, kGridColBand) == QLatin1String("30m")) {
-            ++skipped;
-            continue;
-        }
-        line.clear();
-        AppendQsoLine(line, src, row);
-        line += kCrLf;
-        const qsizetype pos = qsizetype(i - skipped) * 75 - 1;
-        const qsizetype n = std::min<qsizetype>({line.size(), 75, buffer.size() - pos});
-        buffer.replace(pos, n, line.constData(), n);
-        const QString op = src.grid.Text(row, 10);
-        if (!operators.contains(op)) operators += op + QLatin1Char(' ');
+    QString soapbox;
+    Soapbox(soapbox, h.MYSTATION);
+    Soapbox(soapbox, h.MYKOMMENT);
+
+    // The operators line stands above the contacts but is known only after them: the
+    // contacts go behind a gap that then takes the header, so the rows are read once.
+    const qsizetype gap = out.size() + soapbox.size() + 300;
+    // Each contact line stands in a slot of 75 characters: a shorter line (a district
+    // of fewer than two characters) leaves its blanks in front of the next line.
+    // Blanks at the end of the last line's slot and its line end are not written.
+    const int rows = src.grid.DataRows();
+    ByteOut bytes(gap + qsizetype(75) * rows + 16);
+    bytes.p += gap;
+    QsoLines lines(src);
+    OperatorList operators;
+    qsizetype slack = 0;
+    for (int row = 0; row < rows; ++row) {
+        if (Is(src.grid.Cell(row, kGridColBand), "30m")) continue;
+        bytes.p = PutBlanks(bytes.p, slack);
+        bytes.p = lines.Write(bytes.p, row, &slack);
+        operators.Add(src.grid.Cell(row, 10));
     }
-    put(QStringLiteral("OPERATORS: ") + TrimBlanks(operators));
-    Soapbox(out, h.MYSTATION);
-    Soapbox(out, h.MYKOMMENT);
-    QString contacts = TrimBlanks(buffer);
-    while (contacts.endsWith(kCrLf))
-        contacts.chop(2);
-    put(contacts);
-    put(QStringLiteral("END-OF-LOG:"));
-    return out;
+    while (bytes.Size() - gap >= 2 && std::memcmp(bytes.p - 2, "\r\n", 2) == 0)
+        bytes.Chop(2);
+    bytes.p = PutLiteral(bytes.p, "\r\nEND-OF-LOG:\r\n");
+
+    put(QStringLiteral("OPERATORS: ") + TrimBlanks(operators.Text()));
+    out += soapbox;
+    const QByteArray head = ToCp1252(out);
+    QByteArray file = bytes.Take();
+    if (head.size() <= gap) {
+        std::memcpy(file.data() + gap - head.size(), head.constData(), size_t(head.size()));
+        file.remove(0, gap - head.size()); // moves the start only, no copy
+    } else {
+        file.replace(0, gap, head);
+    }
+    return file;
 }
 
-std::optional<QByteArray> BuildCabrilloBytes(const CabrilloSource& src, const ScoreFunction& score) {
-    std::optional<QString> text = BuildCabrillo(src, score);
-    if (!text) return std::nullopt;
-    return ToCp1252(*text);
+std::optional<QString> BuildCabrillo(const CabrilloSource& src, const ScoreFunction& score) {
+    std::optional<QByteArray> bytes = BuildCabrilloBytes(src, score);
+    if (!bytes) return std::nullopt;
+    return FromCp1252(*bytes);
 }
 
 CabrilloResult WriteCabrillo(const CabrilloSource& src, const ScoreFunction& score, const QString& path,

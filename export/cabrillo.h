@@ -1,10 +1,11 @@
 // The Cabrillo 3.0 writer: the open log as the contest wants it.
 //
-// BuildCabrillo() makes the whole file from the rows of the main log grid as they
-// stand (sort order included) and the log's header. The claimed score comes from the
-// caller through a ScoreFunction; when it gives nothing, no file text is made and the
-// caller shows kCabrilloFehler. WriteCabrillo() replaces the target atomically, so a
-// failure never leaves a partial file behind.
+// BuildCabrilloBytes() makes the whole file from the rows of the main log grid as they
+// stand (sort order included) and the log's header, straight in code page 1252 and in
+// one pass over the rows. The claimed score comes from the caller through a
+// ScoreFunction; when it gives nothing, no file text is made and the caller shows
+// kCabrilloFehler. WriteCabrillo() replaces the target atomically, so a failure never
+// leaves a partial file behind.
 //
 // ExportCabrilloMenu() is the whole menu flow (save dialog, the empty-log message,
 // the score failure, the closing question) through Dialogs.
@@ -37,13 +38,15 @@ struct CabrilloSource {
 };
 
 // The text of one contact line without its line end (73 characters for two-character
-// districts); the slot of 75 characters holds it and its CR LF.
+// districts); the slot of 75 characters holds it and its CR LF. Like every text below,
+// as the file holds it: a character outside code page 1252 reads "?".
 QString CabrilloQsoLine(const CabrilloSource& src, int row);
 
-// The whole file text, lines ended by CR LF; nullopt when the score is not available.
-std::optional<QString> BuildCabrillo(const CabrilloSource& src, const ScoreFunction& score);
-// The same as code page 1252 bytes.
+// The whole file as code page 1252 bytes, lines ended by CR LF; nullopt when the score
+// is not available.
 std::optional<QByteArray> BuildCabrilloBytes(const CabrilloSource& src, const ScoreFunction& score);
+// The same as text.
+std::optional<QString> BuildCabrillo(const CabrilloSource& src, const ScoreFunction& score);
 
 enum class CabrilloResult { Written, Empty, ScoreFailed, WriteFailed };
 

@@ -6,6 +6,7 @@
 #include "export/adif.h"
 #include "export/cabrillo.h"
 #include "export/export_common.h"
+#include "export_reference.h"
 #include "test_support.h"
 
 #include <QProcess>
@@ -46,6 +47,61 @@ GridRow Row(const QString& zeit, const QString& band, const QString& mode, const
 
 QStringList Lines(const QString& text) {
     return text.split(QStringLiteral("\r\n"));
+}
+
+template <class T> const T& Pick(QRandomGenerator& rng, const QList<T>& list) {
+    return list[qsizetype(rng.bounded(quint32(list.size())))];
+}
+
+// A log with a bit of everything: all bands and modes, dupes, districts of none to three
+// characters, both periods and the border between them, odd dates, times and reports,
+// long notes and names in code page 1252, and operators of whom one is part of another.
+void FillVariedLog(Model& m, int count, bool staatsfunk, quint32 seed) {
+    QRandomGenerator rng(seed);
+    m.Header.MYCALL = QStringLiteral("OE3XYZ");
+    m.Header.MYBZ = QStringLiteral("MD");
+    m.Header.MYWERTUNGSST = staatsfunk ? 4 : 3;
+    m.Header.MYEXAMDAT = QStringLiteral("02.04.2024");
+    m.Header.MYOPNAME = QStringLiteral("J\u00fcrgen Gr\u00f6\u00df");
+    m.Header.MYCITY = QStringLiteral("M\u00f6dling");
+    m.Header.MYSTATION = QStringLiteral("FT-991 mit 100 W\r\n  Dipol \u201eInverted V\u201c  \r\nohne Ende");
+    m.Header.MYKOMMENT = QStringLiteral("Danke f\u00fcr\u2019s QSO \u20ac\r\n");
+    const QList<int> bands = staatsfunk ? QList<int>{80, 30} : QList<int>{40, 80, 80, 40, 30};
+    const QList<QString> calls = {QStringLiteral("OE1ABC"), QStringLiteral("OE3\u00c4\u00d6\u00dc"),
+                                  QStringLiteral("OE1VERYLONGCALL12"), QStringLiteral("OE9X"),
+                                  QStringLiteral("OEM3ZZZ")};
+    const QList<QString> districts = {QStringLiteral("WI"),     QStringLiteral("MD"),  QString(),
+                                      QStringLiteral("G"),      QStringLiteral("GZX"), QStringLiteral("  "),
+                                      QStringLiteral("\u00d61")};
+    const QList<QString> dates = {QStringLiteral("01.05.2026"), QStringLiteral("01.05.2026"),
+                                  QStringLiteral("30.04.2026"), QStringLiteral("kein Datum")};
+    const QList<QString> reports = {QStringLiteral("59"), QStringLiteral("599"), QStringLiteral("5999"),
+                                    QString(), QStringLiteral("5\u00e4")};
+    const QList<QString> operators = {QStringLiteral("OE3XYZ"), QStringLiteral("OE1ABCD"),
+                                      QStringLiteral("OE1ABC"), QString(), QStringLiteral("OE9\u00d6")};
+    const QList<float> frequencies = {3650.0f, 7050.5f, 10120.0f, 0.0f, 3512.25f, 999.0f, 14000000.0f};
+    const QString words = QStringLiteral("\u00c4\u00f6\u00fc\u00df \u20ac\u201e\u201c\u2013\u2026 Notiz ");
+    m.LogRecords.clear();
+    for (int i = 0; i < count; ++i) {
+        QsoRecord r;
+        r.Call = Pick(rng, calls) + QString::number(i % 7);
+        r.Band = Pick(rng, bands);
+        r.Bezirk = Pick(rng, districts);
+        r.Datum = Pick(rng, dates);
+        const int minute = i % 9 == 0 ? 11 * 60 + 59 + int(rng.bounded(2)) : int(rng.bounded(24 * 60));
+        r.Zeit = i % 31 == 0 ? QStringLiteral("5:1") : m.Formats.RecordTime(QTime(minute / 60, minute % 60));
+        r.RstGesendet = Pick(rng, reports);
+        r.RstEmpfangen = Pick(rng, reports);
+        r.Qsl = int(rng.bounded(3));
+        r.Mode = r.ModeRx = rng.bounded(3) ? QStringLiteral("SSB") : QStringLiteral("CW");
+        r.Status = rng.bounded(6) == 0 ? Status::Dupe : Status::Normal;
+        r.Operator = Pick(rng, operators);
+        r.Bemerkung = rng.bounded(4) == 0 ? words.repeated(1 + int(rng.bounded(40))) : QString();
+        r.BandRx = QStringLiteral("0");
+        r.Frequenz = Pick(rng, frequencies);
+        r.LaufNr = float(i);
+        m.LogRecords.push_back(r);
+    }
 }
 
 } // namespace
@@ -298,6 +354,46 @@ private slots:
         ExportAdifMenu(d, home->model, *grid, QStringLiteral("WI"), {});
         QCOMPARE(ReadBytes(home->Path(QStringLiteral("mein.ADI"))),
                  BuildAdifBytes(home->model, *grid, QStringLiteral("WI")));
+    }
+
+    // Generated logs against the plain writers in export_reference.h, byte for byte.
+    void writersMatchTheReference_data() {
+        QTest::addColumn<bool>("staatsfunk");
+        QTest::addColumn<int>("sort");
+        QTest::addColumn<QString>("ownBezirk");
+        QTest::addColumn<int>("operators");
+        QTest::newRow("newcomer in record order") << false << int(GridSort::None) << "MD" << 0;
+        QTest::newRow("newcomer sorted by call") << false << int(GridSort::RufzeichenAuf) << "MD" << 0;
+        QTest::newRow("state station, one-letter own district") << true << int(GridSort::ZeitAb) << "M" << 0;
+        QTest::newRow("a long operators line") << false << int(GridSort::None) << "WI" << 400;
+    }
+    void writersMatchTheReference() {
+        QFETCH(bool, staatsfunk);
+        QFETCH(int, sort);
+        QFETCH(QString, ownBezirk);
+        QFETCH(int, operators);
+        Model& m = home->model;
+        FillVariedLog(m, 3000, staatsfunk, staatsfunk ? 11 : 7);
+        for (int i = 0; i < operators; ++i)
+            m.LogRecords[size_t(i)].Operator = QStringLiteral("OE%1OP").arg(i);
+        DatenInGrid1Neu(m, *grid);
+        // Rows as typed, with texts the code page cannot hold: a surrogate pair counts
+        // as two characters and becomes one "?", also where a field cuts it in half.
+        const QString smile = QString::fromUtf8("\xf0\x9f\x98\x80");
+        grid->AppendRow(Row("05:00", "80m", "SSB", "OE3\u03a9" + smile, smile, "OE1ABC", ""));
+        grid->AppendRow(Row("05:01", "40m", "CW", "OE3ABCDEFGHI" + smile, "A" + smile, smile, "7"));
+        grid->AppendRow(Row("14:00", "30m", "CW", smile + smile, "", "OE1\u03a9", "10120"));
+        grid->Sort(sort);
+        const CabrilloSource src{m, *grid, ownBezirk, 2026};
+        const auto bytes = BuildCabrilloBytes(src, Score(98765));
+        QVERIFY(bytes);
+        QCOMPARE(*bytes, reference::Cabrillo(src, 98765));
+        QCOMPARE(BuildAdifBytes(m, *grid, ownBezirk), reference::Adif(m, *grid, ownBezirk));
+        for (int row = 0; row < grid->DataRows(); ++row) {
+            QCOMPARE(CabrilloQsoLine(src, row), Cp1252Clean(reference::QsoLine(src, row)));
+            QCOMPARE(AdifQsoLine(m, *grid, row, ownBezirk),
+                     Cp1252Clean(reference::AdifLine(m, *grid, row, ownBezirk)));
+        }
     }
 
     // The command line writes what the menus write for the log as loaded.
