@@ -61,6 +61,8 @@ struct Outcome {
     int contactsAcknowledged = 0;
     int deletesAcknowledged = 0;
     int editsAcknowledged = 0;
+    int killsInCorrection = 0; // a delete or edit was in flight at the kill
+    int correctionsOnDisk = 0; // ... and its result was on disk already
     int settingsAcknowledged = 0;
     int switchesAcknowledged = 0;
     int killsDuringStart = 0;
@@ -285,15 +287,21 @@ private:
                 if (at(inFlight.call)) expected[inFlight.call] = inFlight.bezirk;
                 break;
             case InFlight::Delete:
-                if (!at(inFlight.call)) expected.erase(inFlight.call);
+                ++out.killsInCorrection;
+                if (!at(inFlight.call)) {
+                    expected.erase(inFlight.call);
+                    ++out.correctionsOnDisk;
+                }
                 break;
             case InFlight::Edit: {
+                ++out.killsInCorrection;
                 const bool before = at(inFlight.call) == inFlight.bezirk;
                 const bool after = at(inFlight.newCall) == inFlight.newBezirk;
                 if (before && after) {
                     Fail(out, QStringLiteral("edit %1 -> %2 stands both before and after in %3")
                                   .arg(inFlight.call, inFlight.newCall, name));
                 } else if (after) {
+                    ++out.correctionsOnDisk;
                     expected.erase(inFlight.call);
                     expected[inFlight.newCall] = inFlight.newBezirk;
                 } else if (!before) {
@@ -404,7 +412,8 @@ private slots:
             QStringLiteral(
                 "Absturztest: %1 Kills in %2 s (%3 während des Starts), %4 Kontakte, %9 Löschungen, %10 "
                 "Bearbeitungen, %5 Einstellungen und %8 Logwechsel bestätigt, %6 liegen gebliebene "
-                "Temporärdateien, %7 Fehler")
+                "Temporärdateien, %11 Kills während einer Korrektur (%12 davon schon auf der Platte), %7 "
+                "Fehler")
                 .arg(out.kills)
                 .arg(clock.elapsed() / 1000.0, 0, 'f', 1)
                 .arg(out.killsDuringStart)
@@ -414,7 +423,9 @@ private slots:
                 .arg(out.failures.size())
                 .arg(out.switchesAcknowledged)
                 .arg(out.deletesAcknowledged)
-                .arg(out.editsAcknowledged);
+                .arg(out.editsAcknowledged)
+                .arg(out.killsInCorrection)
+                .arg(out.correctionsOnDisk);
         std::printf("%s\n", qPrintable(summary));
         for (const QString& f : out.failures.mid(0, 20))
             std::printf("  %s\n", qPrintable(f));
