@@ -5,8 +5,9 @@
 // Made by InstallRig's companion opener, GUI thread only, a child window of the main
 // window that deletes itself when closed. Without a configured rig it is a plain form
 // of three frequency fields and the button "Omnirig Konfigurieren"; a rig saved in the
-// settings window later connects the open window in place. Rig trouble never reaches the operator as a message: the
-// status label turns to OFFLINE and blinks, and the fields keep their values.
+// settings window later connects the open window in place. Rig trouble never reaches
+// the operator as a message: the status label turns to OFFLINE and blinks, and the
+// fields keep their values.
 #pragma once
 
 #include "core/dialogs.h"
