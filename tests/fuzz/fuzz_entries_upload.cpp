@@ -47,6 +47,17 @@ void CabrilloCheck(const uint8_t* data, size_t size) {
     Require(exporting::CheckCabrillo(text.toUpper(), Austrian()) == verdict, "capitals change nothing");
     // A value ends at a line end: a file without one cannot pass.
     if (verdict.isEmpty()) Require(text.contains(QStringLiteral("\r\n")), "a passing file has line ends");
+    // Behind a good header and twenty good contact lines anything may follow: the first
+    // entry of each keyword counts, and no more than twenty contact lines are read.
+    static const QString good = [] {
+        QString t = QStringLiteral("START-OF-LOG: 3.0\r\nCALLSIGN: OE1XYZ\r\nCATEGORY-OVERLAY: OM\r\n"
+                                   "CATEGORY: LOW-POWER MIX\r\nLOCATION: WI\r\nEND-OF-LOG:\r\n");
+        for (int i = 0; i < 20; ++i)
+            t += QStringLiteral("QSO:  3650 PH 2026-05-01 0503 1 OE1XYZ 59 WI OE3ABC 57 MD\r\n");
+        return t;
+    }();
+    Require(exporting::CheckCabrillo(good + text, Austrian()).isEmpty(),
+            "the twenty-first line may hold anything");
 }
 
 void UploadReply(const uint8_t* data, size_t size) {
