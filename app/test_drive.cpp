@@ -1,14 +1,20 @@
 #include "app/test_drive.h"
 
+#include "core/clock.h"
+#include "core/scripted_dialogs.h"
 #include "core/settings.h"
+#include "corrections/install_corrections.h"
+#include "entry/log_grid_model.h"
 #include "entry/main_window.h"
 #include "setup/log_switch.h"
 #include "setup/main_window_setup.h"
+#include "setup/modal.h"
 
 #include <QApplication>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QSocketNotifier>
 #include <cstdio>
 #include <unistd.h>
@@ -78,7 +84,63 @@ private:
             setup::FinishOpenLog(m_, dialogs_, setup::HooksOf(w_, m_), previous);
             return Answer((m_.CurrentLogName == cmd[1] ? "L " : "N ") + cmd[1].toUtf8());
         }
+        if (cmd[0] == QLatin1String("D") && cmd.size() == 2) return Delete(cmd[1]);
+        if (cmd[0] == QLatin1String("E") && cmd.size() == 4) return Edit(cmd[1], cmd[2], cmd[3]);
         Answer("?");
+    }
+
+    int RowOfCall(const QString& call) const {
+        const LogGridModel& grid = w_.Grid();
+        for (int r = 0; r < grid.DataRows(); ++r)
+            if (grid.Text(r, kGridColCall) == call) return r;
+        return -1;
+    }
+
+    // The live record of call, or nullptr.
+    const QsoRecord* LiveRecord(const QString& call) const {
+        for (const QsoRecord& r : m_.LogRecords)
+            if (r.Status != Status::Deleted && r.Call == call) return &r;
+        return nullptr;
+    }
+
+    void Delete(const QString& call) {
+        const int row = RowOfCall(call);
+        if (row < 0) return Answer("N " + call.toUtf8());
+        ScriptedDialogs operatorSays;
+        operatorSays.AnswerMsgBox(Msg::Yes); // "Soll dieser Eintrag wirklich gelöscht werden?"
+        corrections::LoeschenFlow(w_, m_, operatorSays, clock_, row);
+        const bool deleted = !LiveRecord(call) && operatorSays.boxes.size() == 1;
+        Answer((deleted ? "D " : "N ") + call.toUtf8());
+    }
+
+    void Edit(const QString& call, const QString& newCall, const QString& bezirk) {
+        const int row = RowOfCall(call);
+        if (row < 0) return Answer("N " + call.toUtf8());
+        ScriptedDialogs operatorSays;
+        // The window runs as a driven modal: the fields are typed into and OK pressed
+        // where the operator would, without a nested event loop.
+        setup::SetDriverMode(true);
+        setup::PushModalDriver([&](QDialog& d) {
+            auto* text3 = d.findChild<QLineEdit*>(QStringLiteral("Text3"));
+            auto* combo5 = d.findChild<QComboBox*>(QStringLiteral("Combo5"));
+            auto* ok = d.findChild<QPushButton*>(QStringLiteral("Command4"));
+            if (!text3 || !combo5 || !ok) return;
+            text3->setFocus();
+            text3->selectAll();
+            Press(text3, Qt::Key_Backspace, QStringLiteral("\b"));
+            TypeText(text3, newCall);
+            combo5->lineEdit()->selectAll();
+            Press(combo5->lineEdit(), Qt::Key_Backspace, QStringLiteral("\b"));
+            TypeText(combo5->lineEdit(), bezirk);
+            ok->click();
+        });
+        corrections::BearbeitenFlow(w_, m_, operatorSays, clock_, row);
+        setup::ClearModalDrivers();
+        setup::SetDriverMode(false);
+        const QsoRecord* r = LiveRecord(newCall);
+        const bool edited =
+            r && r->Bezirk.trimmed() == bezirk && !LiveRecord(call) && operatorSays.boxes.isEmpty();
+        Answer(edited ? "E " + newCall.toUtf8() : "N " + call.toUtf8());
     }
 
     void Contact(const QStringList& cmd) {
@@ -103,6 +165,7 @@ private:
     HauptForm& w_;
     Model& m_;
     Dialogs& dialogs_;
+    SystemTimeSource clock_; // the program's own clock is the system's too
     QSocketNotifier notifier_;
     QByteArray pending_;
 };

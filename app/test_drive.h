@@ -10,10 +10,19 @@
 //   L <file name>                                   switches to that log of Logs/ the
 //       way "Log Öffnen" does once the log manager has closed; answers "L <file name>"
 //       when it is the current log, "N <file name>" when not.
+//   D <call>                                        deletes the contact of that call
+//       through the grid's pop-up entry "Löschen", the question answered Yes; answers
+//       "D <call>" once the contact is out of the log and the file written, "N <call>"
+//       when not.
+//   E <call> <new call> <district>                  opens "Bearbeiten" on the contact
+//       of that call, types the new call and district into its fields and presses OK;
+//       answers "E <new call>" once the change is in the log and the file written,
+//       "N <call>" when not.
 //
 // It prints "R" when the main window is up. The crash-injection driver (tests/crash)
-// uses it to kill the program at random moments. Corrections (edit, delete) get their
-// commands here as they are wired to the main window.
+// uses it to kill the program at random moments. Boxes the corrections show are
+// answered without an operator (the delete question Yes, the "FEHLER" box Cancel) and
+// make the answer "N".
 //
 // GUI thread. Unknown commands answer "?"; a closed input ends nothing.
 #pragma once

@@ -80,17 +80,33 @@ void WriteProfile(const QString& path, const QStringList& lines) {
     WriteFileAtomic(path, ProfileBytes(lines)); // failures are not reported, as ever
 }
 
-// Name of a section header line, or the null text when the line is none.
+// Name of a section header line, or the null text when the line is none. The name
+// runs to the last "]", so a name that holds one (a file of the update list, whose
+// version is noted under its name) reads back as it was written.
 QString SectionName(const QString& line) {
     const QString t = line.trimmed();
     if (!t.startsWith(QLatin1Char('['))) return {};
-    const qsizetype close = t.indexOf(QLatin1Char(']'));
+    const qsizetype close = t.lastIndexOf(QLatin1Char(']'));
     if (close < 0) return {};
     return t.mid(1, close - 1).trimmed();
 }
 
+// Names are equal when their capitals are: the rule the headers are written by, so a
+// name with "ß" (whose capitals are "SS") finds the section it was written to.
 bool SameName(const QString& a, const QString& b) {
-    return a.compare(b, Qt::CaseInsensitive) == 0;
+    return a.compare(b, Qt::CaseInsensitive) == 0 || a.toUpper() == b.toUpper();
+}
+
+// A section header's name in capitals, as far as the code page has them: "µ" keeps its
+// form rather than turning into a Greek capital the file cannot hold.
+QString HeaderName(const QString& section) {
+    QString out;
+    out.reserve(section.size());
+    for (const QChar c : section) {
+        const QString upper = QString(c).toUpper();
+        out += Cp1252Clean(upper) == upper ? upper : QString(c);
+    }
+    return out;
 }
 
 // [begin, end) of the first section of that name: begin is the header line.
@@ -142,7 +158,7 @@ void SetKey(Profile& p, const QString& section, const QString& key, const QStrin
     const QString line = key + QLatin1Char('=') + value;
     qsizetype b = 0, e = 0;
     if (!FindSection(p.lines, section, &b, &e)) {
-        p.lines << QLatin1Char('[') + section.toUpper() + QLatin1Char(']') << line;
+        p.lines << QLatin1Char('[') + HeaderName(section) + QLatin1Char(']') << line;
         return;
     }
     for (qsizetype i = b + 1; i < e; ++i) {
@@ -270,7 +286,7 @@ void IniWriteSection(const QString& file, const QString& section, const QStringL
         if (!l.trimmed().isEmpty()) body << l.trimmed();
     qsizetype b = 0, e = 0;
     if (!FindSection(p.lines, section, &b, &e)) {
-        p.lines << QLatin1Char('[') + section.toUpper() + QLatin1Char(']');
+        p.lines << QLatin1Char('[') + HeaderName(section) + QLatin1Char(']');
         p.lines << body;
     } else {
         const qsizetype keep = InsertPoint(p.lines, b, e);
@@ -310,7 +326,7 @@ void IniReplaceSection(const QString& file, const QString& section, const QStrin
         changed = true;
     }
     if (!lines.isEmpty()) {
-        p.lines << QLatin1Char('[') + section.toUpper() + QLatin1Char(']');
+        p.lines << QLatin1Char('[') + HeaderName(section) + QLatin1Char(']');
         for (const QString& l : lines)
             if (!l.trimmed().isEmpty()) p.lines << l.trimmed();
         changed = true;

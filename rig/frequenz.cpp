@@ -2,6 +2,7 @@
 
 #include "core/settings.h"
 #include "entry/main_window.h"
+#include "rig/rig_settings.h"
 #include "ui/window_support.h"
 
 #include <QAction>
@@ -46,7 +47,7 @@ Frequenz::Frequenz(HauptForm& main, Model& m, Dialogs& dialogs, int pollMs)
 
     picture2_ = new QWidget(this);
     picture2_->setObjectName(QStringLiteral("Picture2"));
-    auto* p2 = new QGridLayout(picture2_);
+    auto* p2 = picture2Layout_ = new QGridLayout(picture2_);
     label1_ = new QLabel(QStringLiteral("0.000.000"), picture2_);
     label1_->setObjectName(QStringLiteral("Label1"));
     label1_->setToolTip(QStringLiteral("Aktuelle Frequenz"));
@@ -109,7 +110,10 @@ Frequenz::Frequenz(HauptForm& main, Model& m, Dialogs& dialogs, int pollMs)
     timer1_.setInterval(500);
     connect(&timer1_, &QTimer::timeout, this, &Frequenz::Timer1Tick);
     connect(command1_, &QPushButton::clicked, this, [this] {
-        if (engine_) engine_->SetDialogVisible(true);
+        if (engine_)
+            engine_->SetDialogVisible(true);
+        else if (RigEngine::DialogOpener()) // the plain form: set a rig up
+            RigEngine::DialogOpener()();
     });
 }
 
@@ -133,9 +137,38 @@ void Frequenz::Load() {
     SetCompanionOpen(m_, Companion::Frequenz, nullptr, true);
 }
 
+bool Frequenz::Picture2Visible() const {
+    return picture2_->isVisibleTo(this);
+}
+
+void Frequenz::PlaceCommand1(bool inPicture2) {
+    auto* top = static_cast<QVBoxLayout*>(layout());
+    if (inPicture2) {
+        top->removeWidget(command1_);
+        command1_->setParent(picture2_);
+        picture2Layout_->addWidget(command1_, 2, 0, 1, 2);
+    } else {
+        picture2Layout_->removeWidget(command1_);
+        command1_->setParent(this);
+        top->addWidget(command1_);
+    }
+    command1_->show();
+}
+
+void Frequenz::RigConfiguredLater() {
+    if (engine_ || unloaded_) return;
+    Connect();
+}
+
 void Frequenz::Connect() {
     engine_ = ConnectEngine(m_.IniPath, pollMs_);
     if (engine_ && InterfaceVersionAccepted(engine_->InterfaceVersion())) {
+        disconnect(&RigSettingsSaved::Instance(), nullptr, this, nullptr);
+        if (!picture2_->isVisibleTo(this)) {
+            PlaceCommand1(true);
+            picture2_->show();
+            adjustSize();
+        }
         connect(engine_.get(), &RigEngine::StatusChange, this, &Frequenz::StatusChange);
         connect(engine_.get(), &RigEngine::ParamsChange, this, &Frequenz::ParamsChange);
         rigNumber_ = 1;
@@ -144,10 +177,15 @@ void Frequenz::Connect() {
         ParamsUpdate();
         return;
     }
-    // Without a rig: a plain form of three fields.
+    // Without a rig: a plain form of three fields, with the way to set a rig up; once
+    // one is saved, the form connects in place.
     engine_.reset();
     rig_ = nullptr;
-    picture2_->hide();
+    if (picture2_->isVisibleTo(this)) {
+        picture2_->hide();
+        PlaceCommand1(false);
+        connect(&RigSettingsSaved::Instance(), &RigSettingsSaved::Saved, this, &Frequenz::RigConfiguredLater);
+    }
     adjustSize();
 }
 

@@ -4,8 +4,10 @@
 //
 // Made by InstallRig's companion opener, GUI thread only, a child window of the main
 // window that deletes itself when closed. Without a configured rig it is a plain form
-// of three frequency fields. Rig trouble never reaches the operator as a message: the
-// status label turns to OFFLINE and blinks, and the fields keep their values.
+// of three frequency fields and the button "Omnirig Konfigurieren"; a rig saved in the
+// settings window later connects the open window in place. Rig trouble never reaches
+// the operator as a message: the status label turns to OFFLINE and blinks, and the
+// fields keep their values.
 #pragma once
 
 #include "core/dialogs.h"
@@ -20,6 +22,7 @@
 #include <optional>
 
 class QAction;
+class QGridLayout;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
@@ -60,6 +63,10 @@ public:
     void ParamsChange(int rigNumber, int params);
 
     bool RigInUse() const { return engine_ != nullptr; }
+    // The panel with the rig's frequency, mode and state (Picture2): shown while a rig
+    // is in use, hidden in the plain form. The main window's mode box moves the rig
+    // only while it is shown.
+    bool Picture2Visible() const;
     int RigNumber() const { return rigNumber_; }
     int BlinkCount() const { return blink_; }
     QTimer& Timer1() { return timer1_; }
@@ -72,6 +79,9 @@ protected:
 
 private:
     void Connect();
+    // The plain form: settings saved later with a rig 1 make it connect in place.
+    void RigConfiguredLater();
+    void PlaceCommand1(bool inPicture2);
     void StatusUpdate();
     void ParamsUpdate();
     void SelectOption1(int index);
@@ -95,6 +105,7 @@ private:
     QPointer<QAction> menuEntry_;
 
     QWidget* picture2_ = nullptr;
+    QGridLayout* picture2Layout_ = nullptr;
     QLabel* label1_ = nullptr;
     QLabel* label2_ = nullptr;
     QLabel* label3_ = nullptr;

@@ -87,8 +87,9 @@ void InstallRig(HauptForm& window, Model& m, Dialogs& dialogs, const TimeSource&
     window.frequenzFreqAlt = [frequenz](int band) {
         if (Frequenz* f = frequenz()) f->MainBandClick(band);
     };
+    // The mode box moves the rig only while the window shows its rig panel.
     window.frequenzSetMode = [frequenz](int row) {
-        if (Frequenz* f = frequenz()) f->SetMode(row);
+        if (Frequenz* f = frequenz(); f && f->Picture2Visible()) f->SetMode(row);
     };
 }
 

@@ -231,6 +231,12 @@ void RigEinstellungen::CommandOkClick() {
     WriteRigConfig(m_.IniPath, 1, c);
     if (std::shared_ptr<RigEngine> live = LiveEngine()) live->Rig1()->Reconfigure(c);
     accept();
+    emit RigSettingsSaved::Instance().Saved();
+}
+
+RigSettingsSaved& RigSettingsSaved::Instance() {
+    static RigSettingsSaved instance;
+    return instance;
 }
 
 void ShowRigSettings(Model& m, Dialogs& dialogs, QWidget* parent) {

@@ -67,4 +67,14 @@ private:
 // Shows the window modal (the engine's DialogVisible).
 void ShowRigSettings(Model& m, Dialogs& dialogs, QWidget* parent);
 
+// Tells the windows that wait for a rig that settings section Rig1 was saved by OK
+// (the frequency window in its plain form then connects). GUI thread only.
+class RigSettingsSaved : public QObject {
+    Q_OBJECT
+public:
+    static RigSettingsSaved& Instance();
+signals:
+    void Saved();
+};
+
 } // namespace kolibrino::rig

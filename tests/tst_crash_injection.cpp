@@ -1,9 +1,14 @@
 // Crash injection: the real program, offscreen in a child process, logs contacts and
 // saves settings through its own window (driven by KOLIBRINO_TEST_DRIVE, see
 // app/test_drive.h), and is killed with SIGKILL at random moments from fixed seeds.
-// After every kill:
+// It also deletes and edits contacts through the grid's pop-up entries "Löschen" and
+// "Bearbeiten". After every kill:
 //   - the log loads;
-//   - every contact the program acknowledged (Enter handled, contact logged) is in it;
+//   - it holds exactly the contacts the program acknowledged, with the districts last
+//     acknowledged, give or take the one command in flight at the kill: a contact
+//     being logged is there or not, one being deleted is there or gone, and one being
+//     edited stands either wholly as before or wholly as after the change, never both,
+//     never neither, never a mix of the two;
 //   - no file is half written: the log, its backup copies and the settings are whole;
 //   - the settings file holds either the old or the new operator list.
 //
@@ -19,7 +24,9 @@
 #include <QProcess>
 #include <QRandomGenerator>
 #include <csignal>
+#include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 
 using namespace kolibrino;
@@ -52,11 +59,27 @@ QStringList OperatorList(int version) {
 struct Outcome {
     int kills = 0;
     int contactsAcknowledged = 0;
+    int deletesAcknowledged = 0;
+    int editsAcknowledged = 0;
+    int killsInCorrection = 0; // a delete or edit was in flight at the kill
+    int correctionsOnDisk = 0; // ... and its result was on disk already
     int settingsAcknowledged = 0;
     int switchesAcknowledged = 0;
     int killsDuringStart = 0;
     int leftoverTempFiles = 0;
     QStringList failures;
+};
+
+const char* const kBezirke[] = {"WI", "MD", "GZ"};
+
+// The command whose answer had not come when the program was killed.
+struct InFlight {
+    enum Kind { None, Contact, Delete, Edit } kind = None;
+    QString log;
+    QString call;    // the contact logged, deleted or edited
+    QString bezirk;  // its district (before the edit)
+    QString newCall; // an edit's new call and district
+    QString newBezirk;
 };
 
 class CrashRun {
@@ -120,22 +143,44 @@ public:
         clock.start();
         bool ready = false;
         QByteArray input;
-        QString inFlightCall;
+        InFlight inFlight;
         int inFlightOps = -1;
         auto sendNext = [&] {
+            std::map<QString, QString>& logged = expected_[current_];
+            inFlight = InFlight{};
+            inFlight.log = current_;
             if (rng_.bounded(12u) == 0) {
                 child.write("L " + (current_ == kLogName ? kOtherLog : kLogName).toUtf8() + '\n');
             } else if (rng_.bounded(5u) == 0) {
                 inFlightOps = ++opsVersion_;
                 child.write("O " + OperatorList(inFlightOps).join(QLatin1Char(' ')).toUtf8() + '\n');
+            } else if (logged.size() >= 3 && rng_.bounded(4u) == 0) {
+                auto it = logged.begin();
+                std::advance(it, rng_.bounded(quint32(logged.size())));
+                inFlight.call = it->first;
+                inFlight.bezirk = it->second;
+                if (rng_.bounded(2u) == 0) {
+                    inFlight.kind = InFlight::Delete;
+                    child.write("D " + inFlight.call.toUtf8() + '\n');
+                } else {
+                    inFlight.kind = InFlight::Edit;
+                    inFlight.newCall = CallNumber(nextCall_++);
+                    do
+                        inFlight.newBezirk = QLatin1String(kBezirke[rng_.bounded(3u)]);
+                    while (inFlight.newBezirk == inFlight.bezirk);
+                    child.write(QStringLiteral("E %1 %2 %3\n")
+                                    .arg(inFlight.call, inFlight.newCall, inFlight.newBezirk)
+                                    .toUtf8());
+                }
             } else {
-                inFlightCall = CallNumber(nextCall_++);
-                static const char* const bz[] = {"WI", "MD", "GZ"};
+                inFlight.kind = InFlight::Contact;
+                inFlight.call = CallNumber(nextCall_++);
+                inFlight.bezirk = QLatin1String(kBezirke[rng_.bounded(3u)]);
                 child.write(QStringLiteral("Q %1 %2 %3 %4\n")
-                                .arg(inFlightCall)
+                                .arg(inFlight.call)
                                 .arg(rng_.bounded(2u))
                                 .arg(rng_.bounded(2u))
-                                .arg(QLatin1String(bz[rng_.bounded(3u)]))
+                                .arg(inFlight.bezirk)
                                 .toUtf8());
             }
         };
@@ -148,11 +193,22 @@ public:
                 if (line == "R") {
                     ready = true;
                 } else if (line.startsWith("A ")) {
-                    acknowledged_[current_].insert(QString::fromUtf8(line.mid(2)));
+                    expected_[inFlight.log][inFlight.call] = inFlight.bezirk;
                     ++out.contactsAcknowledged;
-                    inFlightCall.clear();
+                    inFlight = InFlight{};
+                } else if (line.startsWith("D ")) {
+                    expected_[inFlight.log].erase(inFlight.call);
+                    ++out.deletesAcknowledged;
+                    inFlight = InFlight{};
+                } else if (line.startsWith("E ")) {
+                    expected_[inFlight.log].erase(inFlight.call);
+                    expected_[inFlight.log][inFlight.newCall] = inFlight.newBezirk;
+                    ++out.editsAcknowledged;
+                    inFlight = InFlight{};
                 } else if (line.startsWith("N ")) {
-                    inFlightCall.clear(); // refused by a check: nothing promised
+                    if (inFlight.kind != InFlight::Contact)
+                        Fail(out, QStringLiteral("correction refused: %1").arg(QString::fromUtf8(line)));
+                    inFlight = InFlight{}; // refused by a check: nothing promised
                 } else if (line.startsWith("L ")) {
                     current_ = QString::fromUtf8(line.mid(2));
                     ++out.switchesAcknowledged;
@@ -174,7 +230,7 @@ public:
             out.failures << QStringLiteral("round %1: the program ended by itself").arg(round_);
         }
         child.waitForFinished(10000);
-        Check(out, inFlightOps);
+        Check(out, inFlightOps, inFlight);
         ++round_;
     }
 
@@ -209,16 +265,75 @@ private:
         return true;
     }
 
-    void Check(Outcome& out, int inFlightOps) {
+    // The contacts of a log on disk against those acknowledged, with the command in
+    // flight at the kill taken either way; what is on disk is the truth of the next
+    // round.
+    void CheckContacts(Outcome& out, const QString& name, const Model& m, const InFlight& inFlight) {
+        std::map<QString, QString> disk; // call -> district
+        for (const QsoRecord& r : m.LogRecords) {
+            if (r.Status == Status::Deleted) continue;
+            if (disk.count(r.Call)) Fail(out, QStringLiteral("%1 stands twice in %2").arg(r.Call, name));
+            disk[r.Call] = r.Bezirk.trimmed();
+        }
+        std::map<QString, QString>& expected = expected_[name];
+        if (inFlight.log == name) {
+            const auto at = [&](const QString& call) -> std::optional<QString> {
+                const auto it = disk.find(call);
+                if (it == disk.end()) return std::nullopt;
+                return it->second;
+            };
+            switch (inFlight.kind) {
+            case InFlight::Contact:
+                if (at(inFlight.call)) expected[inFlight.call] = inFlight.bezirk;
+                break;
+            case InFlight::Delete:
+                ++out.killsInCorrection;
+                if (!at(inFlight.call)) {
+                    expected.erase(inFlight.call);
+                    ++out.correctionsOnDisk;
+                }
+                break;
+            case InFlight::Edit: {
+                ++out.killsInCorrection;
+                const bool before = at(inFlight.call) == inFlight.bezirk;
+                const bool after = at(inFlight.newCall) == inFlight.newBezirk;
+                if (before && after) {
+                    Fail(out, QStringLiteral("edit %1 -> %2 stands both before and after in %3")
+                                  .arg(inFlight.call, inFlight.newCall, name));
+                } else if (after) {
+                    ++out.correctionsOnDisk;
+                    expected.erase(inFlight.call);
+                    expected[inFlight.newCall] = inFlight.newBezirk;
+                } else if (!before) {
+                    Fail(out, QStringLiteral("edit %1 -> %2 is neither before nor after in %3")
+                                  .arg(inFlight.call, inFlight.newCall, name));
+                }
+                break;
+            }
+            case InFlight::None:
+                break;
+            }
+        }
+        for (const auto& [call, bezirk] : expected) {
+            const auto it = disk.find(call);
+            if (it == disk.end())
+                Fail(out, QStringLiteral("acknowledged contact %1 is missing in %2").arg(call, name));
+            else if (it->second != bezirk)
+                Fail(out, QStringLiteral("contact %1 has district %2, not %3, in %4")
+                              .arg(call, it->second, bezirk, name));
+        }
+        for (const auto& [call, bezirk] : disk)
+            if (!expected.count(call))
+                Fail(out, QStringLiteral("contact %1 in %2 was never acknowledged there or was deleted")
+                              .arg(call, name));
+        expected = disk; // after a failure, go on from what is there
+    }
+
+    void Check(Outcome& out, int inFlightOps, const InFlight& inFlight) {
         for (const QString& name : {kLogName, kOtherLog}) {
             Model m;
             if (!WholeLog(out, data_ + QStringLiteral("Logs/") + name, &m)) continue;
-            std::set<QString> calls;
-            for (const QsoRecord& r : m.LogRecords)
-                calls.insert(r.Call);
-            for (const QString& c : acknowledged_[name])
-                if (!calls.count(c))
-                    Fail(out, QStringLiteral("acknowledged contact %1 is missing in %2").arg(c, name));
+            CheckContacts(out, name, m, inFlight);
         }
         // The backup copies are whole too, where they are.
         const QDir backups(data_ + QStringLiteral("Sicherung"));
@@ -259,7 +374,7 @@ private:
     QRandomGenerator rng_;
     QTemporaryDir home_;
     QString data_;
-    std::map<QString, std::set<QString>> acknowledged_; // by log file
+    std::map<QString, std::map<QString, QString>> expected_; // by log file: call -> district
     QString current_;
     int nextCall_ = 0;
     int opsVersion_ = 0;
@@ -295,8 +410,10 @@ private slots:
         }
         const QString summary =
             QStringLiteral(
-                "Absturztest: %1 Kills in %2 s (%3 während des Starts), %4 Kontakte und %5 "
-                "Einstellungen und %8 Logwechsel bestätigt, %6 liegen gebliebene Temporärdateien, %7 Fehler")
+                "Absturztest: %1 Kills in %2 s (%3 während des Starts), %4 Kontakte, %9 Löschungen, %10 "
+                "Bearbeitungen, %5 Einstellungen und %8 Logwechsel bestätigt, %6 liegen gebliebene "
+                "Temporärdateien, %11 Kills während einer Korrektur (%12 davon schon auf der Platte), %7 "
+                "Fehler")
                 .arg(out.kills)
                 .arg(clock.elapsed() / 1000.0, 0, 'f', 1)
                 .arg(out.killsDuringStart)
@@ -304,7 +421,11 @@ private slots:
                 .arg(out.settingsAcknowledged)
                 .arg(out.leftoverTempFiles)
                 .arg(out.failures.size())
-                .arg(out.switchesAcknowledged);
+                .arg(out.switchesAcknowledged)
+                .arg(out.deletesAcknowledged)
+                .arg(out.editsAcknowledged)
+                .arg(out.killsInCorrection)
+                .arg(out.correctionsOnDisk);
         std::printf("%s\n", qPrintable(summary));
         for (const QString& f : out.failures.mid(0, 20))
             std::printf("  %s\n", qPrintable(f));
@@ -312,6 +433,8 @@ private slots:
         QVERIFY2(out.failures.isEmpty(), qPrintable(out.failures.value(0)));
         QCOMPARE(out.kills, kills);
         QVERIFY(out.contactsAcknowledged > 0);
+        QVERIFY(out.deletesAcknowledged > 0);
+        QVERIFY(out.editsAcknowledged > 0);
     }
 };
 

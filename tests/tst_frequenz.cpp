@@ -1,8 +1,10 @@
 // The frequency window with a real rigctld behind it: band detection, the mode box,
 // the guard flag between the main window's band box and the rig, the logged
 // frequency, the blinking, the kHz fields, closing and reopening.
+#include "rig/rig_settings.h"
 #include "rig_window_support.h"
 
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -38,6 +40,8 @@ private slots:
     void storedFrequenciesFillFieldsAtLoad();
     void withoutRigItIsAPlainForm();
     void offlineRigShowsOfflineAndBeeps();
+    void modeBoxMovesRigOnlyWhileRigPanelShown();
+    void plainFormGoesOnlineWhenRigIsSetUpLater();
 };
 
 void TestFrequenz::closedWindowLogsFortyAt7000WhateverTheRadio() {
@@ -124,7 +128,8 @@ void TestFrequenz::rig2EventIgnoredWhileRigNumberIs1() {
     QTRY_COMPARE(engine->Rig2()->Freq(), 3700000);
     auto fromRig2 = [&rig2] {
         int n = 0;
-        for (const QList<QVariant>& p : rig2) n += p.at(0).toInt() == 2 ? 1 : 0;
+        for (const QList<QVariant>& p : rig2)
+            n += p.at(0).toInt() == 2 ? 1 : 0;
         return n;
     };
     QTRY_VERIFY(fromRig2() > 0);
@@ -437,6 +442,72 @@ void TestFrequenz::offlineRigShowsOfflineAndBeeps() {
     QCOMPARE(f.FLabel(3)->toolTip(), QStringLiteral("Verbindung zu Transceiver unterbrochen!"));
     QVERIFY(f.dialogs.beeps > beeps);
     QVERIFY(f.Freq()->Timer1().isActive());
+}
+
+void TestFrequenz::modeBoxMovesRigOnlyWhileRigPanelShown() {
+    RigFixture f;
+    QVERIFY(f.StartWithDaemon());
+    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
+    QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("LSB"), QStringLiteral("0")}));
+    QVERIFY(f.OpenFrequenz());
+    QTRY_COMPARE(f.FLabel(2)->text(), QStringLiteral("LSB"));
+    QVERIFY(f.Freq()->Picture2Visible());
+    f.Freq()->findChild<QWidget*>(QStringLiteral("Picture2"))->hide();
+    f.Combo(2)->setFocus();
+    QTest::keyClick(f.Combo(2), Qt::Key_Down); // CW in the main window
+    QCOMPARE(f.Combo(2)->currentIndex(), 1);
+    // A write queued after the mode box's turn: once the rig has it, a mode write
+    // queued before would have arrived too.
+    f.Freq()->FreqALT(1, 1);
+    QTRY_COMPARE(f.daemon.Get(QStringLiteral("f")), QStringLiteral("3500000"));
+    QCOMPARE(f.daemon.Get(QStringLiteral("m")), QStringLiteral("LSB"));
+    // Shown again, the panel lets the mode box move the rig.
+    f.Freq()->findChild<QWidget*>(QStringLiteral("Picture2"))->show();
+    QTRY_COMPARE(f.Combo(2)->currentIndex(), 0); // the rig's LSB came back as phone
+    f.Combo(2)->setFocus();
+    QTest::keyClick(f.Combo(2), Qt::Key_Down);
+    QTRY_COMPARE(f.daemon.Get(QStringLiteral("m")), QStringLiteral("CW"));
+}
+
+void TestFrequenz::plainFormGoesOnlineWhenRigIsSetUpLater() {
+    RigFixture f;
+    QVERIFY(f.StartRig()); // no rig set up yet
+    QVERIFY(f.OpenFrequenz(false));
+    QVERIFY(!f.Freq()->RigInUse());
+    QVERIFY(!f.Freq()->Picture2Visible());
+    auto* command1 = f.Freq()->findChild<QPushButton*>(QStringLiteral("Command1"));
+    QVERIFY(command1);
+    QVERIFY(command1->isVisible());
+    QCOMPARE(command1->text(), QStringLiteral("Omnirig Konfigurieren"));
+    QVERIFY(f.daemon.Start());
+    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("3612000")}));
+    // The operator sets the rig up in the settings window behind the button.
+    int opened = 0;
+    RigEngine::DialogOpener() = [&] {
+        ++opened;
+        RigEinstellungen w(f.home.model, f.dialogs, f.Freq());
+        w.show();
+        QTest::keyClicks(w.findChild<QLineEdit*>(QStringLiteral("TextNetz")), f.daemon.Address());
+        QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("CommandOK")), Qt::LeftButton);
+    };
+    QTest::mouseClick(command1, Qt::LeftButton);
+    RigEngine::DialogOpener() = nullptr;
+    QCOMPARE(opened, 1);
+    // The same window, now with its rig.
+    QVERIFY(f.Freq()->RigInUse());
+    QVERIFY(f.Freq()->Picture2Visible());
+    QCOMPARE(command1->parentWidget()->objectName(), QStringLiteral("Picture2"));
+    QTRY_COMPARE_WITH_TIMEOUT(f.FLabel(3)->text(), QStringLiteral("ONLINE"), 5000);
+    QTRY_COMPARE(f.FText(11)->text(), QStringLiteral("612"));
+    QCOMPARE(f.Combo(1)->currentIndex(), 1); // the main window's band followed the rig
+    f.Combo(1)->setFocus();
+    QTest::keyClick(f.Combo(1), Qt::Key_Up); // 40 m: the rig follows
+    QTRY_COMPARE(f.daemon.Get(QStringLiteral("f")), QStringLiteral("7000000"));
+    // Closing now asks, as for any window with a rig.
+    f.dialogs.AnswerMsgBox(Msg::No);
+    f.Menu("MnFrequenz")->trigger();
+    QVERIFY(f.home.model.Open.Frequenz);
+    QCOMPARE(f.dialogs.boxes.size(), 1);
 }
 
 QTEST_MAIN(TestFrequenz)

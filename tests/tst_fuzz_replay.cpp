@@ -20,7 +20,8 @@ private slots:
         QTest::addColumn<QString>("path");
         const QString root = QStringLiteral(KOLIBRINO_SOURCE_DIR "/tests/fuzz");
         int inputs = 0;
-        for (const char* target : {"log_loader", "district_table", "ini_reader", "call_index"}) {
+        for (const char* target : {"log_loader", "district_table", "ini_reader", "call_index",
+                                   "cabrillo_check", "upload_reply", "update_list"}) {
             for (const char* kind : {"corpus", "crashes"}) {
                 QDirIterator it(
                     QStringLiteral("%1/%2/%3").arg(root, QLatin1String(kind), QLatin1String(target)),

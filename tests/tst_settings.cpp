@@ -30,6 +30,28 @@ private slots:
         QCOMPARE(IniReadInt(ini, QStringLiteral("einstellungen"), QStringLiteral("BAND")), 2.0);
     }
 
+    void sectionNameWithABracketReadsBackWhole() {
+        IniWrite(ini, QStringLiteral("karte]2.gif"), QStringLiteral("Version"), 3);
+        QCOMPARE(ReadBytes(ini), QByteArray("[KARTE]2.GIF]\r\nVersion=3\r\n"));
+        QCOMPARE(IniReadInt(ini, QStringLiteral("KARTE]2.GIF"), QStringLiteral("Version")), 3.0);
+        QCOMPARE(IniReadInt(ini, QStringLiteral("KARTE"), QStringLiteral("Version")), 0.0);
+    }
+
+    void sectionNameWithSharpSIsWrittenOnceAndFound() {
+        IniWrite(ini, QStringLiteral("Straße.txt"), QStringLiteral("Version"), 55);
+        IniWrite(ini, QStringLiteral("Straße.txt"), QStringLiteral("Version"), 56);
+        QCOMPARE(ReadBytes(ini), QByteArray("[STRASSE.TXT]\r\nVersion=56\r\n"));
+        QCOMPARE(IniReadInt(ini, QStringLiteral("STRASSE.TXT"), QStringLiteral("Version")), 56.0);
+        QCOMPARE(IniReadInt(ini, QStringLiteral("straße.txt"), QStringLiteral("Version")), 56.0);
+    }
+
+    void sectionNameWithoutCapitalInTheCodePageKeepsItsLetter() {
+        IniWrite(ini, QStringLiteral("µ.txt"), QStringLiteral("Version"), 7);
+        QCOMPARE(ReadBytes(ini), QByteArray("[\xB5.TXT]\r\nVersion=7\r\n"));
+        QCOMPARE(IniReadInt(ini, QStringLiteral("µ.txt").toUpper(), QStringLiteral("Version")), 7.0);
+        QCOMPARE(IniReadInt(ini, QStringLiteral("µ.TXT"), QStringLiteral("Version")), 7.0);
+    }
+
     void readIntOfATextThatDoesNotStartWithDigitsIsZero_data() {
         QTest::addColumn<QString>("value");
         QTest::addColumn<int>("number");

@@ -104,6 +104,29 @@ private slots:
         QVERIFY(test::ReadBytes(home.model.IniPath).toUpper().contains("[OECALLLIST.TXT]\r\nVERSION=42"));
     }
 
+    void installedEntryWithBracketInItsNameIsNotOfferedAgain() {
+        test::Home home;
+        const auto entries = ParseUpdateList(Line(QStringLiteral("karte]2.gif"), 3));
+        QCOMPARE(entries.size(), size_t(1));
+        QCOMPARE(OfferedEntries(entries, home.model.IniPath), (std::vector<int>{0}));
+        NoteInstalledVersion(home.model.IniPath, entries[0].Name, entries[0].Version);
+        QCOMPARE(InstalledVersion(home.model.IniPath, entries[0].Name), 3);
+        QVERIFY(OfferedEntries(entries, home.model.IniPath).empty());
+    }
+
+    void entryWithSharpSOrMicroInItsNameIsNotOfferedOnceInstalled() {
+        test::Home home;
+        for (const QString& name : {QStringLiteral("Straße.txt"), QStringLiteral("µ.txt")}) {
+            for (int version : {55, 56}) {
+                const auto entries = ParseUpdateList(Line(name, version));
+                QCOMPARE(OfferedEntries(entries, home.model.IniPath), (std::vector<int>{0}));
+                NoteInstalledVersion(home.model.IniPath, entries[0].Name, version);
+                QCOMPARE(InstalledVersion(home.model.IniPath, name), version);
+                QVERIFY(OfferedEntries(entries, home.model.IniPath).empty());
+            }
+        }
+    }
+
     void sizeTextsByMagnitude() {
         const QLocale de = test::AustrianLocale();
         QCOMPARE(SizeText(0, de), QStringLiteral("0 Bytes"));

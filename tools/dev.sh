@@ -5,7 +5,8 @@
 #   tools/dev.sh test       install, build, run the whole test suite
 #   tools/dev.sh sanitize   the test suite under AddressSanitizer and UBSan
 #   tools/dev.sh bench      build and run the benchmarks (figures only)
-#   tools/dev.sh fuzz [s]   build the libFuzzer targets with clang, run each s seconds (60)
+#   tools/dev.sh fuzz [s] [t...]  build the libFuzzer targets with clang, run each (or the
+#                           targets t) s seconds (60), one after the other
 #   tools/dev.sh crash [n]  kill the real program n times (200) while it logs; checks the files
 #   tools/dev.sh package    Release build in build-package/, then the .deb by CPack (checked by lintian)
 #   tools/dev.sh screenshots [dir]  the README's pictures of the windows (docs/screenshots)
@@ -81,12 +82,13 @@ case "${1:-run}" in
   fuzz)
     # Each target runs its time on the committed corpus (new finds go to a scratch
     # copy); a crash input lands in tests/fuzz/crashes/<target>/, which the normal suite
-    # replays. Two targets at a time, at the lowest priority.
+    # replays. One target at a time, at the lowest priority.
     seconds=${2:-60}
     install_missing "${FUZZ_PACKAGES[@]}"
     CC=clang CXX=clang++ cmake -S . -B build-fuzz -G Ninja -DCMAKE_BUILD_TYPE=None \
       "-DCMAKE_CXX_FLAGS=-O1 -gline-tables-only" -DKOLIBRINO_FUZZ=ON -DKOLIBRINO_TESTS=OFF -DKOLIBRINO_BENCH=OFF
-    targets=(log_loader district_table ini_reader call_index)
+    targets=(log_loader district_table ini_reader call_index cabrillo_check upload_reply update_list)
+    (($# > 2)) && targets=("${@:3}")
     cmake --build build-fuzz -j"$(nproc)" --target "${targets[@]/#/fuzz_}"
     run_one() {
       local t=$1 work=build-fuzz/work/$1
@@ -101,13 +103,7 @@ case "${1:-run}" in
       return $rc
     }
     failed=0
-    for ((i = 0; i < ${#targets[@]}; i += 2)); do
-      run_one "${targets[i]}" & a=$!
-      b=
-      if ((i + 1 < ${#targets[@]})); then run_one "${targets[i + 1]}" & b=$!; fi
-      wait $a || failed=1
-      [ -z "$b" ] || wait $b || failed=1
-    done
+    for t in "${targets[@]}"; do run_one "$t" || failed=1; done
     exit $failed
     ;;
   crash)

@@ -109,10 +109,10 @@ Entry EntryByName(const char* name) {
         const char* name;
         Entry entry;
     };
-    static const Named kEntries[] = {{"log_loader", LogLoader},
-                                     {"district_table", DistrictTable},
-                                     {"ini_reader", IniReader},
-                                     {"call_index", CallIndexLookup}};
+    static const Named kEntries[] = {{"log_loader", LogLoader},         {"district_table", DistrictTable},
+                                     {"ini_reader", IniReader},         {"call_index", CallIndexLookup},
+                                     {"cabrillo_check", CabrilloCheck}, {"upload_reply", UploadReply},
+                                     {"update_list", UpdateList}};
     for (const Named& n : kEntries)
         if (std::strcmp(n.name, name) == 0) return n.entry;
     return nullptr;

@@ -20,6 +20,15 @@ void DistrictTable(const uint8_t* data, size_t size);
 void IniReader(const uint8_t* data, size_t size);
 // A call index (and the call sought) through the dupe look-up and the entry parser.
 void CallIndexLookup(const uint8_t* data, size_t size);
+// A foreign Cabrillo file's bytes through the check before the upload; the answer is
+// nothing or one of its messages, whatever the case of the text.
+void CabrilloCheck(const uint8_t* data, size_t size);
+// The local MD5 (up to the first line feed) and the log server's reply page through
+// the judge of the echo; a well-formed page with the right digest always passes.
+void UploadReply(const uint8_t* data, size_t size);
+// An update list's bytes through the list parser; each entry written back reads the
+// same, and its installed version reads back from the settings.
+void UpdateList(const uint8_t* data, size_t size);
 
 // The targets by name, for the replay and the command line: nullptr when unknown.
 using Entry = void (*)(const uint8_t*, size_t);
