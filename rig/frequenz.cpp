@@ -235,11 +235,7 @@ void Frequenz::Timer1Tick() {
 
 void Frequenz::ParamsUpdate() {
     if (!rig_) return;
-    int f = 0;
-    if (rig_->IsParamReadable(PM_FREQ))
-        f = rig_->Freq();
-    else if (rig_->IsParamReadable(PM_FREQA))
-        f = rig_->FreqA();
+    const int f = rig_->ShownFreq();
     const int mode = rig_->Mode();
     label1_->setText(FormatFrequency(f));
     const int band = ContestBandOf(f);

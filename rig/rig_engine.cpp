@@ -138,6 +138,12 @@ QString RigControl::StatusStr() const {
     return StatusText(s_.status);
 }
 
+int RigControl::ShownFreq() const {
+    if (IsParamReadable(PM_FREQ)) return Freq();
+    if (IsParamReadable(PM_FREQA)) return FreqA();
+    return 0;
+}
+
 bool RigControl::IsParamReadable(int param) const {
     return param != 0 && (s_.readable & param) == param;
 }

@@ -60,6 +60,9 @@ public:
     int Tx() const { return s_.tx; }
     bool IsParamReadable(int param) const;
     bool IsParamWriteable(int param) const;
+    // What the windows show as the rig's frequency: Freq when readable, else FreqA when
+    // readable, else 0.
+    int ShownFreq() const;
 
     // Queued writes; dropped while the rig is not online or when the value fails the
     // checks (a frequency must be positive, a mode one of ours).

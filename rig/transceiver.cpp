@@ -225,11 +225,7 @@ void Transceiver::StatusUpdate() {
 
 void Transceiver::ParamsUpdate() {
     if (!rig_) return;
-    int f = 0;
-    if (rig_->IsParamReadable(PM_FREQ))
-        f = rig_->Freq();
-    else if (rig_->IsParamReadable(PM_FREQA))
-        f = rig_->FreqA();
+    const int f = rig_->ShownFreq();
     const int mode = rig_->Mode();
     labelTX_->setText(FormatFrequency(f));
     const int band = PanelBandOf(f);
