@@ -9,10 +9,11 @@
 #include "corrections/install_corrections.h"
 #include "entry/main_window.h"
 #include "export/export_menus.h"
+#include "rig/main_window_rig.h"
 #include "scoring/install_scoring.h"
 #include "scoring/score.h"
-#include "rig/main_window_rig.h"
 #include "setup/main_window_setup.h"
+#include "ui/modal_focus.h"
 #include "ui/qt_dialogs.h"
 #include "ui/translation.h"
 #include "upkeep/upkeep_install.h"
@@ -25,6 +26,7 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kolibrino"));
     InstallGermanTranslation(app);
+    ReturnFocusAfterModalWindows(app); // keys back to the window below a closed box
     Model model;
     model.SetLocale(QLocale::system());
     IniStartup(model, QCoreApplication::applicationDirPath());
