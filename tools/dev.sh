@@ -17,6 +17,7 @@ PACKAGES=(
   fonts-liberation2
   qt6-translations-l10n
   poppler-utils lighttpd libcgi-pm-perl python3
+  xvfb xdotool imagemagick
 )
 # Only for "fuzz": clang with its sanitizer and libFuzzer runtimes.
 FUZZ_PACKAGES=(clang libclang-rt-dev)
