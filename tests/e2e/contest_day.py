@@ -98,18 +98,42 @@ class Processes:
             self.stop(p)
 
 
+def display_taken(n):
+    """Some X server holds display n: its lock file, its socket file or its abstract
+    socket (shared by every file system view on the machine)."""
+    if Path(f"/tmp/.X{n}-lock").exists() or Path(f"/tmp/.X11-unix/X{n}").exists():
+        return True
+    with socket.socket(socket.AF_UNIX) as s:
+        try:
+            s.connect(f"\0/tmp/.X11-unix/X{n}")
+            return True
+        except OSError:
+            return False
+
+
 def start_xvfb(procs, work):
-    """Xvfb on a display number it picks itself as free (-displayfd)."""
-    rd, wr = os.pipe()
-    log = open(work / "xvfb.log", "w")
-    p = procs.start(["Xvfb", "-displayfd", str(wr), "-screen", "0", "1920x1200x24", "-nolisten", "tcp"],
-                    stdout=log, stderr=subprocess.STDOUT, pass_fds=(wr,))
-    os.close(wr)
-    number = b""
-    with os.fdopen(rd, "rb") as f:
-        number = f.readline().strip()
-    check(number.isdigit() and p.poll() is None, "Xvfb startet nicht (siehe xvfb.log)")
-    return ":" + number.decode()
+    """Xvfb on a free display number, proven ours by the process id in its lock file."""
+    first = 100 + os.getpid() % 800
+    for n in list(range(first, 900)) + list(range(100, first)):
+        if display_taken(n):
+            continue
+        log = open(work / "xvfb.log", "a")
+        p = procs.start(["Xvfb", f":{n}", "-screen", "0", "1920x1200x24", "-nolisten", "tcp"],
+                        stdout=log, stderr=subprocess.STDOUT)
+        lock = Path(f"/tmp/.X{n}-lock")
+
+        def ready():
+            if p.poll() is not None:
+                return "dead"
+            try:
+                ours = lock.read_text().strip() == str(p.pid)
+            except OSError:
+                ours = False
+            return "up" if ours and Path(f"/tmp/.X11-unix/X{n}").exists() else None
+
+        if wait_until("Xvfb startet", ready, 20) == "up":
+            return f":{n}"
+    raise Failure("keine freie Display-Nummer für Xvfb")
 
 
 def start_rigctld(procs, work):
@@ -169,7 +193,7 @@ class Screen:
         self.count = 0
 
     def xdo(self, *args, check_rc=True):
-        r = subprocess.run(["xdotool", *args], env=self.env, capture_output=True, text=True)
+        r = subprocess.run(["xdotool", *args], env=self.env, capture_output=True, text=True, timeout=60)
         if check_rc and r.returncode != 0:
             raise Failure(f"xdotool {' '.join(args)}: {r.stderr.strip()}")
         return r.stdout
@@ -216,19 +240,20 @@ class Screen:
     def shot(self, wid, label):
         self.count += 1
         path = self.shots / f"{self.count:02d}_{label}.png"
+        check(wid in self.windows("."), f"Bildschirmfoto {label}: Fenster {wid} ist nicht zu sehen")
         subprocess.run(["import", "-window", str(wid), str(path)], env=self.env, check=True,
-                       capture_output=True)
+                       capture_output=True, timeout=60)
         return path
 
     def image_hash(self, wid):
         r = subprocess.run(["import", "-window", str(wid), "rgb:-"], env=self.env,
-                           capture_output=True)
+                           capture_output=True, timeout=60)
         return hashlib.md5(r.stdout).hexdigest()
 
     def column_colours(self, wid, x):
         """The colours of one pixel column of a window, top to bottom, as hex texts."""
         r = subprocess.run(["import", "-window", str(wid), "-depth", "8", "ppm:-"], env=self.env,
-                           capture_output=True, check=True)
+                           capture_output=True, check=True, timeout=60)
         m = re.match(rb"P6\s+(\d+)\s+(\d+)\s+255\s", r.stdout)
         check(m, "import liefert kein PPM-Bild")
         w, h = int(m.group(1)), int(m.group(2))
@@ -283,7 +308,7 @@ class Checker:
         self.env = dict(os.environ, KOLIBRINO_HOME=str(home), QT_QPA_PLATFORM="offscreen")
 
     def run_cli(self, *args):
-        r = subprocess.run([self.cli, *args], env=self.env, capture_output=True)
+        r = subprocess.run([self.cli, *args], env=self.env, capture_output=True, timeout=120)
         check(r.returncode == 0, f"kolibrino-cli {' '.join(args)}: {r.stderr.decode(errors='replace')}")
         return r.stdout
 
@@ -406,6 +431,7 @@ class Day:
                                         stdout=self.program_log, stderr=subprocess.STDOUT)
 
     def new_window(self, pattern, timeout=20.0):
+        check(self.program.poll() is None, f"das Programm ist beendet (Status {self.program.returncode})")
         w = self.screen.wait_window(pattern, self.known, timeout)
         self.known.add(w)
         return w
@@ -656,11 +682,8 @@ class Day:
               f"Einsenden: Rufzeichen {(self.store / 'call_sign').read_text()!r}")
         self.checker.files("Einsenden", self.logged)
 
-        # 11. Close and reopen: the last log opens by itself at the next start.
+        # 11. Close and reopen through the log manager.
         step("Schließen")
-        s.key("alt+e", "odiaeresis")  # Zuletzt geöffnetes Log beim Start &öffnen
-        wait_until("LastLogOpen steht in den Einstellungen",
-                   lambda: b"LastLogOpen=-1" in (self.home / "kolibrino.INI").read_bytes())
         before = self.checker.log.read_bytes()
         s.key("alt+d", "e")
         wait_until("das Programm endet", lambda: self.program.poll() is not None, 30)
@@ -669,6 +692,10 @@ class Day:
         step("Wieder öffnen")
         self.known = set()
         self.start_program()
+        manager = self.new_window("^Kolibrino$", 30)
+        s.wait_focus(manager)
+        s.shot(manager, "Logmanager_wieder")
+        s.key("Return")  # the list has the focus and marks its row: Enter opens it
         self.main = self.new_window(r"^Kolibrino \(" + re.escape(LOG_NAME) + r"\)$")
         # The windows open at closing come back.
         for title, label in (("^Frequenzen/B.+nder$", "Frequenz"), ("^Ergebnis$", "Ergebnis"),
@@ -827,10 +854,8 @@ def main():
             for w in day.screen.windows("."):
                 print(f"  Fenster {w}: {day.screen.name(w)!r} {day.screen.geometry(w)}", file=sys.stderr)
             print(f"  Fokus: {day.screen.focus()}", file=sys.stderr)
-            if day.main:
-                day.screen.shot(day.main, "FEHLER_Hauptfenster")
             subprocess.run(["import", "-window", "root", str(day.shots / "FEHLER_Bildschirm.png")],
-                           env=day.screen.env, capture_output=True)
+                           env=day.screen.env, capture_output=True, timeout=60)
         except Exception:
             pass
     finally:
