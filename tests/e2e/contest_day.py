@@ -338,6 +338,11 @@ class Checker:
             "QSOs auf 30m": sum(1 for c in counted if c.band == 30),
             "Bezirke auf 40m": len({c.district for c in counted if c.band == 40}),
             "Bezirke auf 80m": len({c.district for c in counted if c.band == 80}),
+            "Bezirke auf 30m": len({c.district for c in counted if c.band == 30}),
+            "Staatsfunkstellen-Prefix auf 80m": len({c.call[:3] for c in counted
+                                                      if c.band == 80 and c.call[2].isalpha()}),
+            "Staatsfunkstellen-Prefix auf 30m": len({c.call[:3] for c in counted
+                                                      if c.band == 30 and c.call[2].isalpha()}),
         }
         for caption, value in expect.items():
             check(figures.get(caption) == str(value),
@@ -363,7 +368,9 @@ def amateur_call(n):
 
 
 def plan_period(first_hour, blocks, codes, worked, start_n, dupes):
-    """Contacts of one period: blocks of (band, mode, count, state stations)."""
+    """Contacts of one period: blocks of (band, mode, count, kind), kind "new" for
+    stations not worked yet, "again" for one worked before (not in this slot) and
+    "state" for state stations."""
     contacts = []
     minute = 1
     n = start_n
@@ -527,6 +534,7 @@ class Day:
         s.wait_focus(manager)
         s.shot(manager, "Logmanager_leer")
         check(list((self.home / "Logs").iterdir()) == [], "Logs/ ist beim ersten Start nicht leer")
+        check((self.home / "bez_koord.txt").exists(), "die Bezirkstabelle liegt nicht im Datenordner")
 
         # 2. A new log through the station settings.
         step("Neues Log")
@@ -559,8 +567,11 @@ class Day:
         s.wait_gone(station)
         s.wait_gone(manager)
         self.main_has_focus("Hauptfenster")
-        header = self.checker.log.read_bytes()
-        check(b"OE3KBR" in header and read_records(self.checker.log) == [], "der neue Log ist nicht leer")
+        header = self.checker.log.read_bytes().decode("cp1252")
+        for field in ("[MYCALL:6]OE3KBR\r\n", "[MYBZ:2]KO\r\n", "[MYOPCALL:6]OE3KBR\r\n",
+                      "[MYEMAIL:17]oe3kbr@example.at\r\n", "[MYWERTUNGSST:1]1\r\n"):
+            check(field in header, f"Kopf des neuen Logs ohne {field.strip()}")
+        check(read_records(self.checker.log) == [], "der neue Log ist nicht leer")
         self.checker.files("Neues Log", self.logged)
         s.shot(self.main, "Hauptfenster_neu")
 
@@ -714,8 +725,7 @@ class Day:
             print(f"  {name:28s} {t1 - t0:7.1f} s")
 
     def to_main(self):
-        """A companion window that took the focus gives it back as the operator does:
-        a click into the main window's message line area."""
+        """The main window keeps the keys while a companion window opens beside it."""
         self.main_has_focus("Begleitfenster offen")
 
     def tune_rig(self, hz, band):
