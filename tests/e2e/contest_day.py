@@ -241,14 +241,18 @@ class Screen:
         self.count += 1
         path = self.shots / f"{self.count:02d}_{label}.png"
         check(wid in self.windows("."), f"Bildschirmfoto {label}: Fenster {wid} ist nicht zu sehen")
+        wait_until(f"Fenster {wid} ist gezeichnet", lambda: self.rgb(wid).strip(b"\0"), 20)
         subprocess.run(["import", "-window", str(wid), str(path)], env=self.env, check=True,
                        capture_output=True, timeout=60)
         return path
 
-    def image_hash(self, wid):
-        r = subprocess.run(["import", "-window", str(wid), "rgb:-"], env=self.env,
+    def rgb(self, wid):
+        r = subprocess.run(["import", "-window", str(wid), "-depth", "8", "rgb:-"], env=self.env,
                            capture_output=True, timeout=60)
-        return hashlib.md5(r.stdout).hexdigest()
+        return r.stdout
+
+    def image_hash(self, wid):
+        return hashlib.md5(self.rgb(wid)).hexdigest()
 
     def column_colours(self, wid, x):
         """The colours of one pixel column of a window, top to bottom, as hex texts."""
@@ -503,6 +507,9 @@ class Day:
     def run(self):
         started = time.monotonic()
         work = self.work
+        missing = [t for t in ("Xvfb", "xdotool", "import", "rigctld", "/usr/sbin/lighttpd", "perl")
+                   if not shutil.which(t)]
+        check(not missing, f"es fehlt {', '.join(missing)} (tools/dev.sh test installiert alles)")
         self.rig_port = start_rigctld(self.procs, work)
         self.server_port, self.store = start_log_server(self.procs, work, self.source)
         display = start_xvfb(self.procs, work)
