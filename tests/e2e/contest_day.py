@@ -118,7 +118,9 @@ def start_xvfb(procs, work):
         if display_taken(n):
             continue
         log = open(work / "xvfb.log", "a")
-        p = procs.start(["Xvfb", f":{n}", "-screen", "0", "1920x1200x24", "-nolisten", "tcp"],
+        # -noreset: no reset when the last client leaves, which would refuse the
+        # program's next start for a moment.
+        p = procs.start(["Xvfb", f":{n}", "-screen", "0", "1920x1200x24", "-nolisten", "tcp", "-noreset"],
                         stdout=log, stderr=subprocess.STDOUT)
         lock = Path(f"/tmp/.X{n}-lock")
 
@@ -798,8 +800,7 @@ class Day:
         cx, cy = self.select_grid_row("ctrl+Home", "Raster_erste_Zeile")
         s.xdo("mousemove", "--window", str(self.main), str(cx), str(cy), "click", "3")
         s.park_pointer()
-        time.sleep(0.3)
-        s.key("l")  # &Löschen in the pop-up
+        s.key("l")  # &Löschen in the pop-up, which takes the keys from its opening on
         self.box("Loeschen_Frage", "j")
         first = self.logged.pop(0)
         for c in self.logged:
