@@ -30,6 +30,7 @@ from pathlib import Path
 
 KEY_DELAY_MS = "12"  # between keystrokes of one xdotool call
 POLL_S = 0.02
+KEYBOARD_INPUT_INTERVAL_S = 0.5  # Qt's 400 ms and a margin
 SEP = "\xb6"  # field separator of the log file
 LOG_NAME = "ZEFT_OE3KBR_CONTEST.KOLBO"
 DATE = "01.05.2026"
@@ -423,6 +424,7 @@ class Day:
         self.program = None
         self.main = None
         self.known = set()
+        self.combo_typed = {}
 
     # -- program --
     def start_program(self):
@@ -462,11 +464,21 @@ class Day:
         self.screen.wait_focus(self.main)
 
     # -- entry --
+    def combo_key(self, box, key):
+        """A key that picks a row of a list box. The box joins the keys typed within
+        Qt's keyboard input interval (400 ms) into one search text, so a second key
+        for the same box waits that long after the first one."""
+        since = time.monotonic() - self.combo_typed.get(box, -10.0)
+        if since < KEYBOARD_INPUT_INTERVAL_S:
+            time.sleep(KEYBOARD_INPUT_INTERVAL_S - since)
+        self.screen.type(key)
+        self.combo_typed[box] = time.monotonic()
+
     def set_band(self, band):
         if band == self.band:
             return
         self.screen.key("shift+Tab", "shift+Tab")  # call -> mode -> band
-        self.screen.type({40: "4", 80: "8", 30: "3"}[band])  # the band box jumps back to the call
+        self.combo_key("band", {40: "4", 80: "8", 30: "3"}[band])  # the box jumps back to the call
         self.band = band
         want = self.qrg[band]
         wait_until(f"der Transceiver folgt dem Band {band} m",
@@ -476,7 +488,7 @@ class Day:
         if mode == self.mode:
             return
         self.screen.key("shift+Tab")  # call -> mode
-        self.screen.type({"SSB": "s", "CW": "c"}[mode])
+        self.combo_key("mode", {"SSB": "s", "CW": "c"}[mode])
         self.mode = mode
         want = {"SSB": ("LSB", "USB"), "CW": ("CW",)}[mode]
         wait_until(f"der Transceiver folgt der Betriebsart {mode}",
