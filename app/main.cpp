@@ -13,6 +13,7 @@
 #include "scoring/install_scoring.h"
 #include "scoring/score.h"
 #include "setup/main_window_setup.h"
+#include "ui/modal_focus.h"
 #include "ui/qt_dialogs.h"
 #include "ui/translation.h"
 #include "upkeep/upkeep_install.h"
@@ -32,6 +33,7 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Kolibrino"));
     QGuiApplication::setDesktopFileName(QStringLiteral("kolibrino")); // icon and name on Wayland
     InstallGermanTranslation(app);
+    ReturnFocusAfterModalWindows(app); // keys back to the window below a closed box
     Model model;
     model.SetLocale(QLocale::system());
     IniStartup(model, QCoreApplication::applicationDirPath());

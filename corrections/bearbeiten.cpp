@@ -219,6 +219,9 @@ void Bearbeiten::Command4Click() {
 bool Bearbeiten::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress) return QDialog::eventFilter(watched, event);
     auto* key = static_cast<QKeyEvent*>(event);
+    // Tab and Shift+Tab move between the fields; no field's filter takes them.
+    if (key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab)
+        return QDialog::eventFilter(watched, event);
     const QString t = key->text();
     if (t.size() != 1) return QDialog::eventFilter(watched, event);
     const QChar c = t[0];

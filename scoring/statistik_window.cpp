@@ -35,6 +35,9 @@ QTableWidget* MakeGrid(const char* name, const QStringList& header) {
     g->verticalHeader()->hide();
     g->setEditTriggers(QAbstractItemView::NoEditTriggers);
     g->setSelectionMode(QAbstractItemView::NoSelection);
+    // Tab goes on to the next control: the tables only show figures, and the save
+    // button must stay within reach of the keyboard.
+    g->setTabKeyNavigation(false);
     g->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     g->verticalHeader()->setDefaultSectionSize(18);
     return g;

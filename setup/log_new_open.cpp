@@ -44,10 +44,12 @@ LogNewOpen::LogNewOpen(Model& m, Dialogs& dialogs, const TimeSource& clock, cons
     fileLayout->addWidget(file1_);
     connect(file1_, &QListWidget::itemDoubleClicked, this,
             [this](QListWidgetItem* item) { OpenRow(item->text()); });
-    // Enter on the selected row opens it, as a double click does.
+    // Enter on the selected row opens it, as a double click does. Reached by Tab, the
+    // list marks its current row without selecting it: with nothing selected, Enter
+    // opens that row.
     OnEnterKey(file1_, [this] {
         QListWidgetItem* item = file1_->currentItem();
-        if (item && item->isSelected()) OpenRow(item->text());
+        if (item && (item->isSelected() || file1_->selectedItems().isEmpty())) OpenRow(item->text());
     });
 
     auto* label3 = new QLabel(QStringLiteral("Zuletzt verwendetes Log"), this);

@@ -341,6 +341,28 @@ private slots:
         });
     }
 
+    // Tab leaves every filtered field: from the date through to the district by keys alone.
+    void tabMovesOnFromTheFilteredFields() {
+        CorrectionsFixture f;
+        QVERIFY(f.StartWith(Morning()));
+        Edit(f, 0, [](QDialog& d) {
+            d.activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&d));
+            QLineEdit* datum = In<QLineEdit>(d, "Text1");
+            datum->setFocus(Qt::TabFocusReason);
+            for (const char* next : {"Text2", "Combo1", "Combo2", "Text3", "Text4", "Text5", "Combo5"}) {
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+                QWidget* want = d.findChild<QWidget*>(QString::fromLatin1(next));
+                QVERIFY2(want->isAncestorOf(QApplication::focusWidget()) ||
+                             QApplication::focusWidget() == want,
+                         next);
+            }
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+            QCOMPARE(QApplication::focusWidget(), In<QLineEdit>(d, "Text5"));
+            QCOMPARE(datum->text(), QStringLiteral("01.05.2026"));
+        });
+    }
+
     void editingToAStateStationCountsItAndTheFileAgrees() {
         CorrectionsFixture f;
         QVERIFY(f.StartWith(Morning()));

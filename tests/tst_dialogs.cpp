@@ -4,6 +4,7 @@
 #include "core/scripted_dialogs.h"
 #include "test_support.h"
 #include "ui/combo_max_length.h"
+#include "ui/modal_focus.h"
 #include "ui/qt_dialogs.h"
 #include "ui/translation.h"
 
@@ -202,6 +203,28 @@ private slots:
             !d.InputBox(QStringLiteral("Namen für das Log eingeben/ändern"), QStringLiteral("Dateiname"), {})
                  .has_value());
         QCOMPARE(cancel, QStringLiteral("Abbrechen"));
+    }
+    // A dupe question answered, the next call typed at once: the keys go to the main
+    // window's call field, whether or not a window manager hands the focus back.
+    void closingABoxGivesTheKeysBackToTheWindowBelow() {
+        ReturnFocusAfterModalWindows(*qApp);
+        QWidget main;
+        main.setWindowTitle(QStringLiteral("Kolibrino (A.KOLBO)"));
+        auto* call = new QLineEdit(&main);
+        main.show();
+        main.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&main));
+        call->setFocus();
+        QtDialogs d(&main);
+        OnNextModal([](QWidget* w) {
+            QTest::keyClick(w, Qt::Key_J); // "&Ja"
+        });
+        QCOMPARE(d.MsgBox(QStringLiteral("Soll das QSO als DUPE geloggt werden?"), 292, QString()),
+                 int(Msg::Yes));
+        QTRY_COMPARE(QApplication::activeWindow(), &main);
+        QCOMPARE(QApplication::focusWidget(), call);
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("OE1ABC"));
+        QCOMPARE(call->text(), QStringLiteral("OE1ABC"));
     }
 };
 

@@ -325,6 +325,25 @@ private slots:
                  QStringLiteral("B.KOLBO"));
     }
 
+    // Tab into the list and Enter: the row the list marks opens, though nothing is selected.
+    void enterAfterTabOpensTheMarkedRow() {
+        Env e;
+        e.MakeLog(QStringLiteral("A.KOLBO"));
+        e.MakeLog(QStringLiteral("B.KOLBO"));
+        LogNewOpen w(e.m, e.d, e.clock, {}, LogNewOpen::Mode::Start);
+        w.show();
+        w.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&w));
+        QListWidget* list = List(w);
+        list->setFocus(Qt::TabFocusReason);
+        QVERIFY(list->currentItem());
+        QVERIFY(list->selectedItems().isEmpty());
+        const QString marked = list->currentItem()->text();
+        QTest::keyClick(list, Qt::Key_Return);
+        QCOMPARE(e.m.CurrentLogName, marked);
+        QCOMPARE(w.result(), int(QDialog::Accepted));
+    }
+
     void clickOnLastLogOpensIt() {
         Env e;
         e.MakeLog(QStringLiteral("A.KOLBO"));

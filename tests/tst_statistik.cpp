@@ -58,6 +58,26 @@ private slots:
         QVERIFY(!f.home.model.Open.Statistik);
     }
 
+    // From the tables the save button is reached by Tab: no table keeps the key.
+    void tabReachesTheSaveButton() {
+        ScoringFixture f;
+        QVERIFY(f.StartScoring());
+        f.Menu("MnStatistik")->trigger();
+        Statistik* s = OpenStatistik(*f.window);
+        QVERIFY(s);
+        f.Settle();
+        s->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(s));
+        Grid(s, 1)->setFocus(Qt::TabFocusReason);
+        auto* save = s->findChild<QPushButton*>(QStringLiteral("Command4"));
+        bool reached = false;
+        for (int i = 0; i < 8 && !reached; ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            reached = QApplication::focusWidget() == save;
+        }
+        QVERIFY(reached);
+    }
+
     void followsEveryContactOfTheMainWindow() {
         ScoringFixture f;
         QVERIFY(f.StartScoring());

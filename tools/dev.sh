@@ -21,6 +21,7 @@ PACKAGES=(
   qt6-translations-l10n
   poppler-utils lighttpd libcgi-pm-perl python3
   desktop-file-utils appstream
+  xvfb xdotool imagemagick
 )
 # Only for "fuzz": clang with its sanitizer and libFuzzer runtimes.
 FUZZ_PACKAGES=(clang libclang-rt-dev)
