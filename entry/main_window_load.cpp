@@ -4,6 +4,7 @@
 #include "core/cp1252.h"
 #include "core/log_file.h"
 #include "core/paths.h"
+#include "core/print_choice.h"
 #include "core/settings.h"
 #include "entry/log_grid_view.h"
 #include "entry/main_window.h"
@@ -170,6 +171,7 @@ bool HauptForm::Load() {
     Action(QStringLiteral("MnAutomatischesSichern"))
         ->setChecked(ReadInt(kEinst, QStringLiteral("SichernEA")) == 1 && !m_.ExtraBackupPath.isEmpty());
     Action(QStringLiteral("MnLastLogOpen"))->setChecked(ReadInt(kEinst, QStringLiteral("LastLogOpen")) == -1);
+    Action(QStringLiteral("MnDruckenPDF"))->setChecked(PrintIntoPdfChosen());
     const bool countdown = ReadCountdown();
     Action(QStringLiteral("MnCountdown"))->setChecked(countdown);
     mnZeitTimer_->setVisible(countdown);

@@ -1,5 +1,7 @@
 // The main window's menu bar, the grid's pop-up menu, and the commands of both that
-// belong to this window. Entries whose windows are not built yet stand disabled.
+// belong to this window. The subsystems' entries are enabled and connected by their
+// installers.
+#include "core/print_choice.h"
 #include "core/settings.h"
 #include "entry/log_grid_view.h"
 #include "entry/main_window.h"
@@ -107,6 +109,10 @@ void HauptForm::BuildMenus() {
     AddSeparator(einst, QStringLiteral("MnSt19"));
     AddItem(einst, QStringLiteral("MnAutomatischesSichern"), QStringLiteral("Zusätzliches &Sichern"), false)
         ->setCheckable(true);
+    QAction* pdf =
+        AddItem(einst, QStringLiteral("MnDruckenPDF"), QStringLiteral("In &PDF-Datei drucken"), true);
+    pdf->setCheckable(true);
+    connect(pdf, &QAction::triggered, this, [](bool on) { SetPrintIntoPdfChosen(on); });
     AddSeparator(einst, QStringLiteral("MnSt17"));
     connect(
         AddItem(einst, QStringLiteral("MnFensterPostOrg"), QStringLiteral("Reset Fenster Pos+Größe"), true),

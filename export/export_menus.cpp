@@ -3,6 +3,7 @@
 #include "core/atomic_file.h"
 #include "core/cp1252.h"
 #include "core/error_trap.h"
+#include "core/print_choice.h"
 #include "entry/main_window.h"
 #include "export/adif.h"
 #include "export/busy_panel.h"
@@ -34,7 +35,9 @@ public:
     void Adif() {
         ExportAdifMenu(d_, m_, w_.Grid(), OwnBezirk(), [this](const QString& p) { OpenFile(p); });
     }
-    void Drucken() { PrintLogMenu(d_, w_.Grid(), m_.Header.MYBZ, PdfPath(), !o_.pdfPath.isEmpty()); }
+    void Drucken() {
+        PrintLogMenu(d_, w_.Grid(), m_.Header.MYBZ, PdfPath(), !o_.pdfPath.isEmpty() || PrintIntoPdfChosen());
+    }
 
     void Einsenden() {
         if (d_.MsgBox(QStringLiteral("Es ist eine Internetverbindung erforderlich!\n\n"

@@ -1,5 +1,7 @@
 #include "scoring/print_target.h"
 
+#include "core/print_choice.h"
+
 #include <QPainter>
 #include <QPrinter>
 #include <QPrinterInfo>
@@ -9,8 +11,7 @@ namespace kolibrino {
 bool PrintPage(Dialogs& dialogs, QPageLayout::Orientation orientation, const QString& jobName,
                const std::function<void(QPrinter&)>& draw, QString* pdfPath) {
     QPrinter printer(QPrinter::HighResolution);
-    const bool toPdf =
-        QPrinterInfo::defaultPrinter().isNull() || !qEnvironmentVariableIsEmpty("KOLIBRINO_PRINT_PDF");
+    const bool toPdf = QPrinterInfo::defaultPrinter().isNull() || PrintIntoPdfChosen();
     if (toPdf) {
         QString path = dialogs.SaveDialog(QStringLiteral("*.pdf (PDF-Dateien)|*.pdf"),
                                           QStringLiteral("Kein Drucker: als PDF speichern"), QString());

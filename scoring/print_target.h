@@ -1,6 +1,5 @@
 // Where the map and the district list are printed: the default printer, or a PDF file
-// when there is no printer (or when KOLIBRINO_PRINT_PDF is set, the operator's choice
-// to print into a PDF instead).
+// when there is no printer or the operator chose PDF (core/print_choice.h).
 //
 // Who calls it: BZKarte (Command7) and BezirkeListe (MnDrucken), GUI thread only.
 // Fails quietly: a cancelled PDF name prints nothing and gives false; a printer or

@@ -1,6 +1,7 @@
 // The district map: the fill of every district stays inside its outline, the band-mix
 // colours, the filter rows, half size, colours and printing.
 #include "core/call_index.h"
+#include "core/print_choice.h"
 #include "scoring/bz_karte.h"
 #include "scoring/flood_fill.h"
 #include "scoring/grid_karte.h"
@@ -302,6 +303,31 @@ private slots:
         QVERIFY2(info.contains(QStringLiteral("842 x 595 pts")), qPrintable(info)); // A4 landscape
         QVERIFY(RunTool(QStringLiteral("pdftotext"), {pdf, QStringLiteral("-")})
                     .contains(QStringLiteral("alle gültigen Bezirke")));
+    }
+
+    void pdfChosenInTheSettingsMenuSendsTheMapIntoAPdf() {
+        ScoringFixture f;
+        QVERIFY(f.StartScoring(
+            {MakeRecord(QStringLiteral("OE1AAA"), 40, QStringLiteral("WI"), QStringLiteral("06:00:00"))}));
+        QAction* choice = f.Menu("MnDruckenPDF");
+        QVERIFY(!choice->isChecked());
+        QVERIFY(!PrintIntoPdfChosen());
+        choice->trigger();
+        QVERIFY(choice->isChecked());
+        QVERIFY(PrintIntoPdfChosen());
+        QCOMPARE(IniReadString(f.home.model.IniPath, QStringLiteral("Einstellungen"),
+                               QStringLiteral("DruckenPDF")),
+                 QStringLiteral("1"));
+        BZKarte* k = Open(f);
+        const QString pdf = f.home.Path(QStringLiteral("gewaehlt.pdf"));
+        f.dialogs.AnswerMsgBox(Msg::Ok);
+        f.dialogs.AnswerPath(pdf);
+        QString written;
+        QVERIFY(k->Command7Click(&written));
+        QCOMPARE(written, pdf);
+        QVERIFY(QFileInfo(pdf).size() > 0);
+        choice->trigger();
+        QVERIFY(!PrintIntoPdfChosen());
     }
 
     void backgroundButtonBringsTheOtherWindowsAndTheMainWindowToTheFront() {
