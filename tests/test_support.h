@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QLocale>
+#include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -75,6 +76,26 @@ public:
 inline QByteArray SmallDistrictTable() {
     return Cp(QStringLiteral("WI;500;200;Wien;1;\r\nMD;480;230;M\u00f6dling;3;\r\nGZ;420;420;Graz;6;\r\n"
                              "ZZ;10;10;Testbezirk;9;\r\n"));
+}
+
+// One run of the built kolibrino-cli on the data folder `home`, in the de_AT locale the
+// tests pin. code stays -1 when the program did not end within the time.
+struct CliResult {
+    int code = -1;
+    QByteArray out;
+    QByteArray err;
+};
+
+inline CliResult RunCli(const QString& home, const QStringList& args, int waitMs = 60000) {
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("KOLIBRINO_HOME"), home);
+    env.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_AT.UTF-8"));
+    env.insert(QStringLiteral("LANG"), QStringLiteral("de_AT.UTF-8"));
+    p.setProcessEnvironment(env);
+    p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"), args);
+    if (!p.waitForFinished(waitMs)) return {};
+    return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
 }
 
 } // namespace kolibrino::test

@@ -214,14 +214,9 @@ private slots:
         WriteBytes(good, Cp(Good()));
         WriteBytes(bad, Cp(Replace(Good(), "LOCATION: WI", "LOCATION: W")));
         auto run = [&](const QString& file, QByteArray* out) {
-            QProcess p;
-            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-            env.insert(QStringLiteral("KOLIBRINO_HOME"), dir.path());
-            p.setProcessEnvironment(env);
-            p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"), {QStringLiteral("check"), file});
-            p.waitForFinished(60000);
-            *out = p.readAllStandardOutput();
-            return p.exitCode();
+            const test::CliResult r = test::RunCli(dir.path(), {QStringLiteral("check"), file});
+            *out = r.out;
+            return r.code;
         };
         QByteArray out;
         QCOMPARE(run(good, &out), 0);

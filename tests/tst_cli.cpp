@@ -11,23 +11,9 @@ class TestCli : public QObject {
 
     std::unique_ptr<QTemporaryDir> home;
 
-    struct Result {
-        int code = -1;
-        QByteArray out;
-        QByteArray err;
-    };
+    using Result = CliResult;
 
-    Result Run(const QStringList& args) {
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("KOLIBRINO_HOME"), home->path());
-        env.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_AT.UTF-8"));
-        env.insert(QStringLiteral("LANG"), QStringLiteral("de_AT.UTF-8"));
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"), args);
-        if (!p.waitForFinished(30000)) return {};
-        return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
-    }
+    Result Run(const QStringList& args) { return RunCli(home->path(), args); }
 
 private slots:
     void init() {

@@ -17,23 +17,9 @@ class TestCliScoring : public QObject {
     std::unique_ptr<Home> home;
     QString logPath;
 
-    struct Result {
-        int code = -1;
-        QByteArray out;
-        QByteArray err;
-    };
+    using Result = CliResult;
 
-    Result Run(const QStringList& args) {
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("KOLIBRINO_HOME"), home->dir.path());
-        env.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_AT.UTF-8"));
-        env.insert(QStringLiteral("LANG"), QStringLiteral("de_AT.UTF-8"));
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"), args);
-        if (!p.waitForFinished(60000)) return {};
-        return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
-    }
+    Result Run(const QStringList& args) { return RunCli(home->dir.path(), args); }
 
     static QsoRecord Rec(const QString& call, int band, const QString& bz, const QString& zeit,
                          const QString& mode) {

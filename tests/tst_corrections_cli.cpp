@@ -12,23 +12,9 @@ using namespace kolibrino::test;
 class TestCorrectionsCli : public QObject {
     Q_OBJECT
 
-    struct Result {
-        int code = -1;
-        QByteArray out;
-        QByteArray err;
-    };
+    using Result = CliResult;
 
-    Result Run(const WindowFixture& f, const QStringList& args) {
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("KOLIBRINO_HOME"), f.home.dir.path());
-        env.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_AT.UTF-8"));
-        env.insert(QStringLiteral("LANG"), QStringLiteral("de_AT.UTF-8"));
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"), args);
-        if (!p.waitForFinished(30000)) return {};
-        return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
-    }
+    Result Run(const WindowFixture& f, const QStringList& args) { return RunCli(f.home.dir.path(), args); }
 
     // Records stored out of time order, so that the rows of the time sort differ.
     std::vector<QsoRecord> Log() {

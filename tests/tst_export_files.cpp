@@ -408,30 +408,21 @@ private slots:
     void commandLineWritesTheSameBytes() {
         QFETCH(QString, command);
         QFETCH(QString, expected);
-        QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("KOLIBRINO_HOME"), home->dir.path());
-        p.setProcessEnvironment(env);
-        p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"),
-                {command, FixturePath(QStringLiteral("export_a.KOLBO"))});
-        QVERIFY(p.waitForFinished(60000));
-        QCOMPARE(p.exitCode(), 0);
+        const QString log = FixturePath(QStringLiteral("export_a.KOLBO"));
+        const test::CliResult file = test::RunCli(home->dir.path(), {command, log});
+        QCOMPARE(file.code, 0);
         QByteArray want = ReadBytes(FixturePath(expected));
         // The command line claims the result window's total, as "kolibrino-cli score"
         // gives it for the same log, and its year is the clock's.
-        QProcess score;
-        score.setProcessEnvironment(env);
-        score.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"),
-                    {QStringLiteral("score"), FixturePath(QStringLiteral("export_a.KOLBO"))});
-        QVERIFY(score.waitForFinished(60000));
-        QCOMPARE(score.exitCode(), 0);
+        const test::CliResult score = test::RunCli(home->dir.path(), {QStringLiteral("score"), log});
+        QCOMPARE(score.code, 0);
         QByteArray total;
-        for (const QByteArray& line : score.readAllStandardOutput().split('\n'))
+        for (const QByteArray& line : score.out.split('\n'))
             if (line.startsWith("Punkte gesamt: ")) total = line.mid(15).trimmed();
         QVERIFY(!total.isEmpty());
         want.replace("CLAIMED-SCORE: 1234", "CLAIMED-SCORE: " + total);
         want.replace(", 2026 by", ", " + QByteArray::number(QDate::currentDate().year()) + " by");
-        QCOMPARE(p.readAllStandardOutput(), want);
+        QCOMPARE(file.out, want);
     }
 };
 

@@ -59,14 +59,8 @@ struct CliRun {
     QString err;
 };
 CliRun RunCli(const QStringList& args, const QString& home) {
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("KOLIBRINO_HOME"), home);
-    p.setProcessEnvironment(env);
-    p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"), QStringList{QStringLiteral("rig")} + args);
-    p.waitForFinished(15000);
-    return {p.exitCode(), QString::fromLocal8Bit(p.readAllStandardOutput()),
-            QString::fromLocal8Bit(p.readAllStandardError())};
+    const test::CliResult r = test::RunCli(home, QStringList{QStringLiteral("rig")} + args, 15000);
+    return {r.code, QString::fromLocal8Bit(r.out), QString::fromLocal8Bit(r.err)};
 }
 } // namespace
 

@@ -49,14 +49,8 @@ struct CliRun {
 };
 
 CliRun RunCli(const test::Home& home, const QStringList& args) {
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("KOLIBRINO_HOME"), home.dir.path());
-    p.setProcessEnvironment(env);
-    p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"),
-            QStringList{QStringLiteral("update")} + args);
-    p.waitForFinished(60000);
-    return {p.exitCode(), p.readAllStandardOutput(), p.readAllStandardError()};
+    const test::CliResult r = test::RunCli(home.dir.path(), QStringList{QStringLiteral("update")} + args);
+    return {r.code, r.out, r.err};
 }
 
 } // namespace

@@ -236,15 +236,10 @@ private slots:
     }
     void commandLineUpload() {
         auto run = [&](const QStringList& extra, QByteArray* err) {
-            QProcess p;
-            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-            env.insert(QStringLiteral("KOLIBRINO_HOME"), home->dir.path());
-            p.setProcessEnvironment(env);
-            p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino-cli"),
-                    QStringList{QStringLiteral("upload"), logPath} + extra);
-            p.waitForFinished(60000);
-            *err = p.readAllStandardError();
-            return p.exitCode();
+            const test::CliResult r =
+                test::RunCli(home->dir.path(), QStringList{QStringLiteral("upload"), logPath} + extra);
+            *err = r.err;
+            return r.code;
         };
         QByteArray err;
         QCOMPARE(run({QStringLiteral("--server"), server->Host()}, &err), 0);
