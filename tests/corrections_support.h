@@ -56,6 +56,16 @@ public:
     QString BlockPath() const { return home.model.LogFolder + QStringLiteral(".test.KOLBO.tmp"); }
     void BlockWrites() { QVERIFY(QDir().mkpath(BlockPath() + QStringLiteral("/x"))); }
     void UnblockWrites() { QVERIFY(QDir(BlockPath()).removeRecursively()); }
+    // Blocks the rewrite until the "FEHLER" box shows; *during gets the file's bytes at
+    // that moment, and the next try (Wiederholen) goes through.
+    void BlockWritesUntilFehler(QByteArray* during) {
+        BlockWrites();
+        dialogs.onMsgBox = [this, during](const ShownBox& b) {
+            if (!b.text.startsWith(QStringLiteral("FEHLER"))) return;
+            *during = FileBytes();
+            UnblockWrites();
+        };
+    }
 };
 
 // Live records with their deleted ones left out, compared field by field with the

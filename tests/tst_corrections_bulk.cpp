@@ -336,13 +336,8 @@ private slots:
         CorrectionsFixture f;
         QVERIFY(f.StartWith(Log()));
         const QByteArray before = f.FileBytes();
-        f.BlockWrites();
         QByteArray during;
-        f.dialogs.onMsgBox = [&](const ShownBox& b) {
-            if (!b.text.startsWith(QStringLiteral("FEHLER"))) return;
-            during = f.FileBytes();
-            f.UnblockWrites();
-        };
+        f.BlockWritesUntilFehler(&during);
         f.dialogs.AnswerMsgBox(Msg::Yes);
         f.dialogs.AnswerMsgBox(Msg::Ok);
         f.dialogs.AnswerMsgBox(Msg::Yes);

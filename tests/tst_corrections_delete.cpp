@@ -269,13 +269,8 @@ private slots:
         CorrectionsFixture f;
         QVERIFY(f.StartWith(ThreeEqual()));
         const QByteArray before = f.FileBytes();
-        f.BlockWrites();
         QByteArray during;
-        f.dialogs.onMsgBox = [&](const ShownBox& b) {
-            if (!b.text.startsWith(QStringLiteral("FEHLER"))) return;
-            during = f.FileBytes();
-            f.UnblockWrites();
-        };
+        f.BlockWritesUntilFehler(&during);
         f.dialogs.AnswerMsgBox(Msg::Yes);
         f.dialogs.AnswerMsgBox(Msg::Retry);
         f.Popup(f.RowOf(4), "MnVerstecktLoeschen");

@@ -400,13 +400,8 @@ private slots:
         CorrectionsFixture f;
         QVERIFY(f.StartWith(Morning()));
         const QByteArray before = f.FileBytes();
-        f.BlockWrites();
         QByteArray during;
-        f.dialogs.onMsgBox = [&](const ShownBox& b) {
-            if (!b.text.startsWith(QStringLiteral("FEHLER"))) return;
-            during = f.FileBytes();
-            f.UnblockWrites();
-        };
+        f.BlockWritesUntilFehler(&during);
         f.dialogs.AnswerMsgBox(Msg::Retry);
         Edit(f, 0, [](QDialog& d) {
             QTest::keyClicks(In<QLineEdit>(d, "Text8"), QStringLiteral("neu"));
