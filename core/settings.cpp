@@ -273,6 +273,16 @@ void IniReadSection(const QString& file, const QString& section, QStringList& li
     if (!found.isEmpty()) list = found;
 }
 
+namespace {
+// The lines of a section as written: trimmed, blank ones left out.
+QStringList SectionBody(const QStringList& lines) {
+    QStringList body;
+    for (const QString& l : lines)
+        if (!l.trimmed().isEmpty()) body << l.trimmed();
+    return body;
+}
+} // namespace
+
 void IniWriteSection(const QString& file, const QString& section, const QStringList& lines) {
     const QString path = Resolve(file);
     if (path.isEmpty() || section.isEmpty()) {
@@ -281,9 +291,7 @@ void IniWriteSection(const QString& file, const QString& section, const QStringL
     }
     Profile p;
     if (!ReadForWrite(path, &p)) return;
-    QStringList body;
-    for (const QString& l : lines)
-        if (!l.trimmed().isEmpty()) body << l.trimmed();
+    const QStringList body = SectionBody(lines);
     qsizetype b = 0, e = 0;
     if (!FindSection(p.lines, section, &b, &e)) {
         p.lines << QLatin1Char('[') + HeaderName(section) + QLatin1Char(']');
@@ -298,17 +306,7 @@ void IniWriteSection(const QString& file, const QString& section, const QStringL
 }
 
 void IniDeleteSection(const QString& file, const QString& section) {
-    const QString path = Resolve(file);
-    if (path.isEmpty() || section.isEmpty()) {
-        Beep();
-        return;
-    }
-    Profile p;
-    if (!ReadForWrite(path, &p)) return;
-    qsizetype b = 0, e = 0;
-    if (!FindSection(p.lines, section, &b, &e)) return;
-    p.lines.remove(b, e - b);
-    WriteProfile(path, p.lines);
+    IniReplaceSection(file, section, {});
 }
 
 void IniReplaceSection(const QString& file, const QString& section, const QStringList& lines) {
@@ -327,8 +325,7 @@ void IniReplaceSection(const QString& file, const QString& section, const QStrin
     }
     if (!lines.isEmpty()) {
         p.lines << QLatin1Char('[') + HeaderName(section) + QLatin1Char(']');
-        for (const QString& l : lines)
-            if (!l.trimmed().isEmpty()) p.lines << l.trimmed();
+        p.lines << SectionBody(lines);
         changed = true;
     }
     if (changed) WriteProfile(path, p.lines);
