@@ -78,6 +78,25 @@ inline QByteArray SmallDistrictTable() {
                              "ZZ;10;10;Testbezirk;9;\r\n"));
 }
 
+// The multiplier tallies of two models agree: districts and states per band, state
+// stations, and every district from `firstDistrict` on.
+inline void CompareMultiplierTallies(const Model& got, const Model& want, size_t firstDistrict = 0) {
+    QCOMPARE(got.GruppeBandCount, want.GruppeBandCount);
+    QCOMPARE(got.StaatsfunkRecords.size(), want.StaatsfunkRecords.size());
+    for (size_t i = 0; i < got.StaatsfunkRecords.size(); ++i) {
+        QCOMPARE(got.StaatsfunkRecords[i].Prefix, want.StaatsfunkRecords[i].Prefix);
+        QCOMPARE(got.StaatsfunkRecords[i].Anz80, want.StaatsfunkRecords[i].Anz80);
+        QCOMPARE(got.StaatsfunkRecords[i].Anz30, want.StaatsfunkRecords[i].Anz30);
+    }
+    QCOMPARE(got.BezirkRecords.size(), want.BezirkRecords.size());
+    for (size_t i = firstDistrict; i < got.BezirkRecords.size(); ++i) {
+        QCOMPARE(got.BezirkRecords[i].AnzGesamt, want.BezirkRecords[i].AnzGesamt);
+        QCOMPARE(got.BezirkRecords[i].Anz40, want.BezirkRecords[i].Anz40);
+        QCOMPARE(got.BezirkRecords[i].Anz80, want.BezirkRecords[i].Anz80);
+        QCOMPARE(got.BezirkRecords[i].Anz30, want.BezirkRecords[i].Anz30);
+    }
+}
+
 // One run of the built kolibrino-cli on the data folder `home`, in the de_AT locale the
 // tests pin. code stays -1 when the program did not end within the time.
 struct CliResult {
