@@ -3,6 +3,7 @@
 #include "core/atomic_file.h"
 #include "core/settings.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -82,16 +83,48 @@ QString ShippedDataFolder(const Model& m) {
     return {};
 }
 
+namespace {
+
+QString Md5Of(const QString& path) {
+    bool ok = false;
+    const QByteArray bytes = ReadWholeFile(path, &ok);
+    return ok ? QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex()).toUpper()
+              : QString();
+}
+
+} // namespace
+
 QStringList CopyShippedData(const Model& m) {
     QStringList copied;
     const QString from = ShippedDataFolder(m);
     if (from.isEmpty() || m.DataFolder.isEmpty()) return copied;
+    const QString section = QString::fromLatin1(kSectionShipped);
     const QStringList names = QDir(from).entryList(QDir::Files);
     for (const QString& name : names) {
         if (name.compare(QStringLiteral("README.md"), Qt::CaseInsensitive) == 0) continue;
-        if (CopyFileTo(from + name, m.DataFolder + name, false)) copied << name;
+        const QString shipped = Md5Of(from + name);
+        if (shipped.isEmpty()) continue;
+        const QString target = m.DataFolder + name;
+        const QString noted = IniReadString(m.IniPath, section, name).trimmed();
+        bool copy = !QFileInfo::exists(target);
+        if (!copy) {
+            const QString here = Md5Of(target);
+            if (noted.isEmpty() && here == shipped) { // copied before the MD5 was noted
+                IniWrite(m.IniPath, section, name, shipped);
+                continue;
+            }
+            copy = !here.isEmpty() && here == noted && here != shipped; // unchanged, and newer shipped
+        }
+        if (copy && CopyFileTo(from + name, target, true)) {
+            IniWrite(m.IniPath, section, name, shipped);
+            copied << name;
+        }
     }
     return copied;
+}
+
+void ForgetShippedCopy(const Model& m, const QString& name) {
+    IniWrite(m.IniPath, QString::fromLatin1(kSectionShipped), name, QString::fromLatin1(kNotShippedCopy));
 }
 
 } // namespace kolibrino

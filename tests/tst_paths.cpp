@@ -1,6 +1,7 @@
 // Folders and the first start's shipped data.
 #include "core/atomic_file.h"
 #include "core/paths.h"
+#include "core/settings.h"
 #include "test_support.h"
 
 using namespace kolibrino;
@@ -52,6 +53,50 @@ private slots:
         QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("bez_koord.txt")),
                  ReadBytes(ShippedDataFolder(m) + QStringLiteral("bez_koord.txt")));
         QVERIFY(!QFile::exists(m.DataFolder + QStringLiteral("README.md")));
+    }
+
+    // A package upgrade: a shipped file still as it was copied is replaced by the newer
+    // shipped one at the next start; one the operator changed, or one an update
+    // installed, stays.
+    void packageUpgradeRefreshesOnlyUnchangedShippedCopies() {
+        QTemporaryDir dir;
+        qputenv("KOLIBRINO_HOME", (dir.path() + QStringLiteral("/home")).toLocal8Bit());
+        const QString app = dir.path() + QStringLiteral("/app/");
+        auto ship = [&](const char* name, const QByteArray& bytes) {
+            WriteBytes(app + QStringLiteral("data/") + QLatin1String(name), bytes);
+        };
+        ship("bez_koord.txt", "WI;1;1;Wien;1;\r\n");
+        ship("BZ_Karte.gif", "GIF89a alt");
+        ship("KOLBOHilfe.pdf", "%PDF alt");
+        ship("OeCallList.txt", "OE1A;Anna\r\n");
+        Model m;
+        IniStartup(m, app);
+        QVERIFY(SetupFolders(m));
+        QCOMPARE(ShippedDataFolder(m), app + QStringLiteral("data/"));
+        QCOMPARE(CopyShippedData(m).size(), 4);
+        QCOMPARE(CopyShippedData(m).size(), 0); // nothing new shipped: nothing copied
+        // The operator edits the map; an update installs the manual; the call list was
+        // copied by an older version that noted nothing.
+        WriteBytes(m.DataFolder + QStringLiteral("BZ_Karte.gif"), "GIF89a eigen");
+        WriteBytes(m.DataFolder + QStringLiteral("KOLBOHilfe.pdf"), "%PDF vom Update");
+        ForgetShippedCopy(m, QStringLiteral("KOLBOHilfe.pdf"));
+        IniWrite(m.IniPath, QString::fromLatin1(kSectionShipped), QStringLiteral("OeCallList.txt"), QString());
+        QVERIFY(CopyShippedData(m).isEmpty()); // adopts the unchanged call list
+        // The package is upgraded.
+        ship("bez_koord.txt", "WI;1;1;Wien;1;\r\nGZ;2;2;Graz;6;\r\n");
+        ship("BZ_Karte.gif", "GIF89a neu");
+        ship("KOLBOHilfe.pdf", "%PDF neu");
+        ship("OeCallList.txt", "OE1A;Anna\r\nOE3B;Berta\r\n");
+        QCOMPARE(CopyShippedData(m), (QStringList{QStringLiteral("bez_koord.txt"), QStringLiteral("OeCallList.txt")}));
+        QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("bez_koord.txt")),
+                 QByteArray("WI;1;1;Wien;1;\r\nGZ;2;2;Graz;6;\r\n"));
+        QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("OeCallList.txt")), QByteArray("OE1A;Anna\r\nOE3B;Berta\r\n"));
+        QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("BZ_Karte.gif")), QByteArray("GIF89a eigen"));
+        QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("KOLBOHilfe.pdf")), QByteArray("%PDF vom Update"));
+        // And the refreshed copy is refreshed again by the next upgrade.
+        ship("bez_koord.txt", "WI;1;1;Wien;1;\r\nGZ;2;2;Graz;6;\r\nMD;3;3;Mödling;3;\r\n");
+        QCOMPARE(CopyShippedData(m), QStringList{QStringLiteral("bez_koord.txt")});
+        QVERIFY(ReadBytes(m.DataFolder + QStringLiteral("bez_koord.txt")).contains("MD;3;3"));
     }
 
     void unwritableHomeIsReported() {
