@@ -17,6 +17,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
+#include <atomic>
 #include <memory>
 
 namespace kolibrino::exporting {
@@ -40,6 +41,7 @@ public:
     }
 
     void Einsenden() {
+        NetworkJob job;
         if (d_.MsgBox(QStringLiteral("Es ist eine Internetverbindung erforderlich!\n\n"
                                      "Soll das aktuelle Log jetzt eingesendet werden?"),
                       Msg::YesNo | Msg::Question) != Msg::Yes)
@@ -54,22 +56,30 @@ public:
                       Msg::Information);
             return;
         }
-        CabrilloResult result = CabrilloResult::Written;
+        BusyScope wait(d_);
+        BusyPanel panel(&w_);
+        bool scoreFailed = false;
         const bool written = RunTrapped(d_, [&]() -> QString {
-            BusyScope busy(d_);
+            // The panel says what happens while the file is made and written.
+            panel.Show(QStringLiteral("Cabrillo erzeugen..."));
+            const std::optional<QByteArray> bytes = BuildCabrilloBytes(Source(), o_.score);
+            scoreFailed = !bytes;
+            if (scoreFailed) return {};
             QString error;
-            result = WriteCabrillo(Source(), o_.score, file, &error);
-            return result == CabrilloResult::WriteFailed ? error : QString();
+            panel.Run([&] { error = WriteFileAtomic(file, *bytes); });
+            if (!error.isEmpty()) panel.Hide();
+            return error;
         });
-        if (!written) return;
-        if (result == CabrilloResult::ScoreFailed) {
-            d_.MsgBox(QString::fromUtf8(kCabrilloFehler), Msg::Critical);
+        if (!written || scoreFailed) {
+            panel.Hide();
+            if (scoreFailed) d_.MsgBox(QString::fromUtf8(kCabrilloFehler), Msg::Critical);
             return;
         }
-        Send(file, QStringLiteral("Cabrillo erzeugen..."), false);
+        Send(file, panel, false);
     }
 
     void Hochladen() {
+        NetworkJob job;
         if (lastFolder_.isEmpty()) lastFolder_ = m_.LogFolder;
         const QString answer = d_.OpenDialog(QStringLiteral("*.LOG| *.LOG"),
                                              QStringLiteral("Cabrillo-Log auswählen..."), lastFolder_);
@@ -79,10 +89,14 @@ public:
                                      "Soll das Cabrillo-Log wirklich eingesendet werden?"),
                       Msg::YesNo | Msg::Question) != Msg::Yes)
             return;
-        Send(answer, QStringLiteral("LOG-Hochladen..."), true);
+        BusyScope wait(d_);
+        BusyPanel panel(&w_);
+        panel.Show(QStringLiteral("LOG-Hochladen..."));
+        Send(answer, panel, true);
     }
 
     void VerbindungsTest() {
+        NetworkJob job;
         const QString server = LogServerSetting();
         SendOutcome o;
         BusyScope busy(d_);
@@ -130,30 +144,38 @@ private:
     }
     void OpenFile(const QString& path) { Open(QUrl::fromLocalFile(path)); }
 
-    // Ping, MD5, (check), upload and the judge of the echo, with their messages.
-    void Send(const QString& file, const QString& firstText, bool check) {
+    // Ping, MD5, (check), upload and the judge of the echo, with their messages. The
+    // panel is up with the text of the step before; it says "LOG-Hochladen..." while
+    // the file goes to the server. The operator can cancel ping and upload.
+    void Send(const QString& file, BusyPanel& panel, bool check) {
         const QString server = LogServerSetting();
         if (server.isEmpty()) {
+            panel.Hide();
             d_.MsgBox(NoServerText(), Msg::Critical);
             return;
         }
-        BusyScope busy(d_);
+        std::atomic<bool> cancel{false};
         bool reachable = false;
-        RunBeside(&w_, firstText, [&] { reachable = net::ServerPing(server, o_.pingMs); });
+        if (!panel.Run([&] { reachable = net::ServerPing(server, o_.pingMs, &cancel); }, o_.pingMs, &cancel))
+            return Cancelled(panel);
         if (!reachable) {
+            panel.Hide();
             d_.MsgBox(PingFailedText(), Msg::Critical);
             return;
         }
         bool ok = false;
         QString error;
-        const QByteArray bytes = ReadWholeFile(file, &ok, &error);
+        QByteArray bytes;
+        panel.Run([&] { bytes = ReadWholeFile(file, &ok, &error); });
         if (!ok) {
+            panel.Hide();
             d_.MsgBox(FehlerText(error), kFehlerFlags);
             return;
         }
         SendOutcome o;
         o.md5 = net::MD5Sum(bytes);
         if (o.md5.size() != 32) {
+            panel.Hide();
             o.kind = o.md5.size() >= 33 ? SendOutcome::Md5Message : SendOutcome::Md5Failed;
             o.message = o.md5;
             d_.MsgBox(Md5ProblemText(o, true), Msg::OkOnly);
@@ -162,15 +184,21 @@ private:
         if (check) {
             const QString message = CheckCabrillo(FromCp1252(bytes), m_.Formats);
             if (!message.isEmpty()) {
+                panel.Hide();
                 d_.MsgBox(message, Msg::Information);
                 return;
             }
         }
         QString reply;
         bool sent = false;
-        RunBeside(&w_, QStringLiteral("LOG-Hochladen..."), [&] {
-            sent = net::HttpUploadFile(server, QString::fromLatin1(kUploadPath), file, reply, o_.timeouts);
-        });
+        net::HttpTimeouts timeouts = o_.timeouts;
+        timeouts.cancel = &cancel;
+        panel.Show(QStringLiteral("LOG-Hochladen..."));
+        const bool finished = panel.Run(
+            [&] { sent = net::HttpUploadFile(server, QString::fromLatin1(kUploadPath), file, reply, timeouts); },
+            timeouts.transferMs, &cancel);
+        if (!finished) return Cancelled(panel);
+        panel.Hide();
         if (sent && JudgeReply(reply, o.md5, true)) {
             if (d_.MsgBox(SentText(), Msg::YesNo | Msg::Information) == Msg::Yes)
                 Open(QUrl(QStringLiteral("http://") + server + QString::fromLatin1(kShowPath)));
@@ -179,6 +207,11 @@ private:
         if (d_.MsgBox(UploadFailedText(file, ContestMailSetting()), Msg::YesNo | Msg::Information) ==
             Msg::Yes)
             Open(QUrl::fromLocalFile(QFileInfo(file).absolutePath() + QLatin1Char('/')));
+    }
+
+    void Cancelled(BusyPanel& panel) {
+        panel.Hide();
+        d_.MsgBox(CancelledText(), Msg::Information);
     }
 
     HauptForm& w_;
@@ -194,19 +227,29 @@ private:
 void InstallExport(HauptForm& window, Model& m, Dialogs& dialogs, const TimeSource& clock,
                    ExportOptions options) {
     auto menus = std::make_shared<ExportMenus>(window, m, dialogs, clock, std::move(options));
-    auto hook = [&window, menus](const char* name, void (ExportMenus::*click)()) {
+    // A network job never starts inside another: what comes meanwhile (a reminder)
+    // waits until the running one has ended.
+    auto idle = [&window, menus](const char* key, void (ExportMenus::*click)()) {
+        return [&window, menus, key, click] {
+            RunWhenIdle(&window, QString::fromLatin1(key), [menus, click] { (menus.get()->*click)(); });
+        };
+    };
+    auto hook = [&window, menus, idle](const char* name, void (ExportMenus::*click)(), bool network) {
         QAction* a = window.Action(QString::fromLatin1(name));
         if (!a) return;
         a->setEnabled(true);
-        QObject::connect(a, &QAction::triggered, &window, [menus, click] { (menus.get()->*click)(); });
+        if (network)
+            QObject::connect(a, &QAction::triggered, &window, idle(name, click));
+        else
+            QObject::connect(a, &QAction::triggered, &window, [menus, click] { (menus.get()->*click)(); });
     };
-    hook("MnLogExportierenCabrillo", &ExportMenus::Cabrillo);
-    hook("MnLogExportierenADIF", &ExportMenus::Adif);
-    hook("MnLogHochladen", &ExportMenus::Hochladen);
-    hook("MnLogServerUploadTest", &ExportMenus::VerbindungsTest);
-    hook("MnLogDrucken", &ExportMenus::Drucken);
+    hook("MnLogExportierenCabrillo", &ExportMenus::Cabrillo, false);
+    hook("MnLogExportierenADIF", &ExportMenus::Adif, false);
+    hook("MnLogHochladen", &ExportMenus::Hochladen, true);
+    hook("MnLogServerUploadTest", &ExportMenus::VerbindungsTest, true);
+    hook("MnLogDrucken", &ExportMenus::Drucken, false);
     if (QAction* a = window.Action(QStringLiteral("MnLogEinsenden"))) a->setEnabled(true);
-    window.logEinsenden = [menus] { menus->Einsenden(); };
+    window.logEinsenden = idle("MnLogEinsenden", &ExportMenus::Einsenden);
     if (QAction* a = window.Action(QStringLiteral("MnEingesendeteLogsAnzeigen"))) a->setEnabled(true);
 }
 

@@ -27,6 +27,10 @@ struct SlistDeleter {
 };
 using Slist = std::unique_ptr<curl_slist, SlistDeleter>;
 
+int Progress(void* cancel, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+    return static_cast<const std::atomic<bool>*>(cancel)->load() ? 1 : 0;
+}
+
 Easy NewEasy(const HttpTimeouts& t) {
     GlobalInit();
     Easy e(curl_easy_init());
@@ -36,6 +40,11 @@ Easy NewEasy(const HttpTimeouts& t) {
     curl_easy_setopt(e.get(), CURLOPT_TIMEOUT_MS, t.transferMs);
     curl_easy_setopt(e.get(), CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(e.get(), CURLOPT_PROTOCOLS_STR, "http,https");
+    if (t.cancel) {
+        curl_easy_setopt(e.get(), CURLOPT_NOPROGRESS, 0L);
+        curl_easy_setopt(e.get(), CURLOPT_XFERINFOFUNCTION, &Progress);
+        curl_easy_setopt(e.get(), CURLOPT_XFERINFODATA, const_cast<std::atomic<bool>*>(t.cancel));
+    }
     return e;
 }
 
@@ -64,6 +73,8 @@ QString FailureText(CURLcode rc, const QString& what, const char* detail) {
         return QStringLiteral("Zeitüberschreitung bei %1").arg(what);
     case CURLE_PARTIAL_FILE:
         return QStringLiteral("Die Übertragung von %1 ist unvollständig").arg(what);
+    case CURLE_ABORTED_BY_CALLBACK:
+        return QStringLiteral("Abgebrochen: %1").arg(what);
     case CURLE_GOT_NOTHING:
     case CURLE_WEIRD_SERVER_REPLY:
         return QStringLiteral("Keine gültige Antwort des Servers auf %1").arg(what);
@@ -125,27 +136,34 @@ QByteArray UploadBody(const QByteArray& content, const QString& bareName, const 
 }
 
 bool HttpUploadFile(const QString& host, const QString& path, const QString& file, QString& reply,
-                    const HttpTimeouts& timeouts) {
+                    const HttpTimeouts& timeouts, QString* error) {
     reply.clear();
+    auto fail = [error](const QString& why) {
+        if (error) *error = why;
+        return false;
+    };
     bool ok = false;
-    const QByteArray content = ReadWholeFile(file, &ok);
-    if (!ok) return false;
+    QString readError;
+    const QByteArray content = ReadWholeFile(file, &ok, &readError);
+    if (!ok) return fail(readError);
     bool found = false;
     const QByteArray call = CabrilloCallSign(content, &found);
-    if (!found) return false;
+    if (!found) return fail(QStringLiteral("Die Datei enthält keine Zeile \"CALLSIGN:\"."));
     QString bare = file;
     bare = bare.mid(std::max(bare.lastIndexOf(QLatin1Char('/')), bare.lastIndexOf(QLatin1Char('\\'))) + 1)
                .trimmed();
     const QByteArray body = UploadBody(content, bare, call);
 
     Easy e = NewEasy(timeouts);
-    if (!e) return false;
+    if (!e) return fail(QStringLiteral("libcurl nicht bereit"));
     curl_slist* raw = curl_slist_append(nullptr, kUploadContentType);
     if (raw) raw = curl_slist_append(raw, "Accept:"); // no accept types
     if (raw) raw = curl_slist_append(raw, "Expect:");
     Slist headers(raw);
-    if (!headers) return false;
+    if (!headers) return fail(QStringLiteral("kein Speicher"));
     QByteArray answer;
+    char detail[CURL_ERROR_SIZE] = {};
+    curl_easy_setopt(e.get(), CURLOPT_ERRORBUFFER, detail);
     const QByteArray url = Url(host, path);
     curl_easy_setopt(e.get(), CURLOPT_URL, url.constData());
     curl_easy_setopt(e.get(), CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_1_0));
@@ -155,7 +173,8 @@ bool HttpUploadFile(const QString& host, const QString& path, const QString& fil
     curl_easy_setopt(e.get(), CURLOPT_HTTPHEADER, headers.get());
     curl_easy_setopt(e.get(), CURLOPT_WRITEFUNCTION, &Append);
     curl_easy_setopt(e.get(), CURLOPT_WRITEDATA, &answer);
-    if (curl_easy_perform(e.get()) != CURLE_OK) return false;
+    const CURLcode rc = curl_easy_perform(e.get());
+    if (rc != CURLE_OK) return fail(FailureText(rc, QString::fromUtf8(url), detail));
     reply = QString::fromLatin1(answer);
     return true;
 }
@@ -182,16 +201,16 @@ bool HttpDownloadFile(const QString& url, const QString& file, bool nocache, con
     return WriteFileAtomic(file, answer).isEmpty();
 }
 
-bool ServerPing(const QString& host, long timeoutMs) {
+bool ServerPing(const QString& host, long timeoutMs, const std::atomic<bool>* cancel) {
     const HostPort hp = SplitHost(host);
-    return ServerPingText(hp.host, hp.port, timeoutMs).isEmpty();
+    return ServerPingText(hp.host, hp.port, timeoutMs, cancel).isEmpty();
 }
 
-QString ServerPingText(const QString& host, int port, long timeoutMs) {
+QString ServerPingText(const QString& host, int port, long timeoutMs, const std::atomic<bool>* cancel) {
     const QString what = QStringLiteral("%1:%2").arg(host).arg(port);
     if (host.isEmpty() || port <= 0 || port > 65535)
         return QStringLiteral("Kein gültiger Server: \"%1\"").arg(what);
-    Easy e = NewEasy(HttpTimeouts{timeoutMs, timeoutMs});
+    Easy e = NewEasy(HttpTimeouts{timeoutMs, timeoutMs, cancel});
     if (!e) return QStringLiteral("Fehler bei %1: libcurl nicht bereit").arg(what);
     NoWaitForResolver(e.get());
     char detail[CURL_ERROR_SIZE] = {};

@@ -21,12 +21,16 @@
 
 #include <QByteArray>
 #include <QString>
+#include <atomic>
 
 namespace kolibrino::net {
 
 struct HttpTimeouts {
     long connectMs = 10'000;   // connect to the server or proxy
     long transferMs = 120'000; // the whole request from start to the last byte of the reply
+    // Set from another thread, it ends the request at once (within a few tenths of a
+    // second): the call then fails as if the server had not answered.
+    const std::atomic<bool>* cancel = nullptr;
 };
 
 // The boundary of the upload's multipart body and the one header the upload adds.
@@ -51,15 +55,15 @@ QByteArray CabrilloCallSign(const QByteArray& content, bool* found);
 
 // POSTs the file to http://host[:port]path as HTTP/1.0. The reply's body (whatever
 // the status) lands in reply. False with no request when the file cannot be read or
-// holds no "CALLSIGN:".
+// holds no "CALLSIGN:". error (when given) receives the German cause of a false.
 bool HttpUploadFile(const QString& host, const QString& path, const QString& file, QString& reply,
-                    const HttpTimeouts& timeouts = {});
+                    const HttpTimeouts& timeouts = {}, QString* error = nullptr);
 // Fetches url into file (replaced atomically); with nocache the request asks every
 // cache on the way for a fresh copy. False leaves file as it was.
 bool HttpDownloadFile(const QString& url, const QString& file, bool nocache,
                       const HttpTimeouts& timeouts = {});
-// A TCP connect to the server's port.
-bool ServerPing(const QString& host, long timeoutMs = 3000);
+// A TCP connect to the server's port; cancel as in HttpTimeouts.
+bool ServerPing(const QString& host, long timeoutMs = 3000, const std::atomic<bool>* cancel = nullptr);
 
 // A download as the self-update needs it: the file is replaced atomically only on an
 // answer 200 (after redirects), and a failure comes back as a German text that names
@@ -74,7 +78,8 @@ QString HttpDownload(const QString& url, const QString& file, const DownloadOpti
 // A TCP connect to host:port, never through a proxy, name look-up and connect within
 // timeoutMs together. Empty on success, else a German text that names the cause. A
 // name look-up still running at the timeout is left to end on its own thread.
-QString ServerPingText(const QString& host, int port, long timeoutMs);
+QString ServerPingText(const QString& host, int port, long timeoutMs,
+                       const std::atomic<bool>* cancel = nullptr);
 
 // The MD5 of the bytes as 32 upper-case hexadecimal digits. For no bytes it returns
 // the message "keine Daten zum MD5Sum berechnen übergeben". Callers tell the cases

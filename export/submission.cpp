@@ -81,9 +81,13 @@ SendOutcome SendCabrilloFile(const SendRequest& r) {
         }
     }
     QString reply;
+    QString cause;
     const bool sent =
-        net::HttpUploadFile(r.server, QString::fromLatin1(kUploadPath), r.file, reply, r.timeouts);
+        net::HttpUploadFile(r.server, QString::fromLatin1(kUploadPath), r.file, reply, r.timeouts, &cause);
     o.kind = sent && JudgeReply(reply, o.md5, true) ? SendOutcome::Sent : SendOutcome::UploadFailed;
+    if (sent && o.kind == SendOutcome::UploadFailed)
+        cause = QStringLiteral("Die Antwort des Servers bestätigt den Empfang nicht (MD5 %1).").arg(o.md5);
+    o.message = cause;
     return o;
 }
 
@@ -178,6 +182,18 @@ QString SentText() {
                           "Möchtest du die Liste der eingesendeten Logs im Browser öffnen?");
 }
 
+QString CancelledText() {
+    return QStringLiteral("Einsenden abgebrochen!\nDas Log wurde nicht eingesendet.");
+}
+
+QString UploadFailedPlainText(const QString& file, const QString& mails, const QString& cause) {
+    return QStringLiteral("Das Hochladen des Logs ist fehlgeschlagen.\n") +
+           (cause.isEmpty() ? QString() : cause + QLatin1Char('\n')) +
+           QStringLiteral("Die Datei liegt unter ") + file + QStringLiteral("\nBitte später nochmals "
+                                                                          "versuchen oder sie an ") +
+           (mails.isEmpty() ? QStringLiteral("den Contest-Manager") : mails) + QStringLiteral(" senden.");
+}
+
 QString TestSucceededText() {
     return QStringLiteral("Der Verbindungstest zum Log-Server war erfolgreich.\n"
                           "Das Einsenden der Logs sollte ohne Probleme funktionieren.");
@@ -208,7 +224,7 @@ QString OutcomeText(const SendOutcome& o, const QString& file) {
     case SendOutcome::CheckFailed:
         return o.message;
     case SendOutcome::UploadFailed:
-        return UploadFailedText(file, ContestMailSetting());
+        return UploadFailedPlainText(file, ContestMailSetting(), o.message);
     }
     return {};
 }

@@ -42,7 +42,7 @@ struct SendOutcome {
         UploadFailed, // no reply, or a reply that does not prove delivery
     };
     Kind kind = UploadFailed;
-    QString message;
+    QString message; // for UploadFailed: why, in German
     QString md5;
 };
 
@@ -58,8 +58,11 @@ struct SendRequest {
 // Ping, read the file, MD5, (check), upload, judge the echo.
 SendOutcome SendCabrilloFile(const SendRequest& request);
 
-// The German text of an outcome other than Sent for the command line (one message).
+// The German text of an outcome other than Sent for the command line: one plain
+// message that asks nothing.
 QString OutcomeText(const SendOutcome& outcome, const QString& file);
+// The command line's text of a failed upload: why, and where the file lies.
+QString UploadFailedPlainText(const QString& file, const QString& mails, const QString& cause);
 
 // The canned log of the connection test.
 QString TestCallLog();
@@ -75,6 +78,8 @@ QString PingFailedText(); // "Einsenden abgebrochen!" ... "Server nicht erreichb
 QString Md5ProblemText(const SendOutcome& outcome, bool hochladenAbgebrochen);
 QString UploadFailedText(const QString& file, const QString& mails);
 QString SentText();
+// The operator pressed "Abbrechen" on the busy panel: nothing was sent.
+QString CancelledText();
 QString TestSucceededText();
 QString TestFailedText();
 // The contest manager's addresses from [Server] ContestMail (", " between several).

@@ -1,5 +1,10 @@
-// kolibrino-cli over the same library: rebuild, dupe and tallies.
+// kolibrino-cli over the same library: rebuild, dupe and tallies; the plain messages
+// of upload and update against loopback servers.
+#include "core/settings.h"
+#include "export/submission.h"
 #include "test_support.h"
+#include "update_server_support.h"
+#include "upload_server.h"
 
 #include <QProcess>
 
@@ -73,6 +78,49 @@ private slots:
         QVERIFY(r.out.isEmpty());
         QVERIFY(QString::fromLocal8Bit(r.err).contains(
             QStringLiteral("ist fehlerhaft oder keine gültige Kolibrino Logdatei!")));
+    }
+
+    void failedUploadPrintsAPlainFailureWithoutTheWindowsQuestion() {
+        UploadServer server;
+        QVERIFY(server.WaitReady());
+        server.SetMode("wrongmd5");
+        const QString log = home->path() + QStringLiteral("/Logs/test.log");
+        WriteBytes(log, "START-OF-LOG: 3.0\r\nCALLSIGN: OE5FRM\r\nCATEGORY-OVERLAY: YL\r\n"
+                        "CATEGORY: HIGH-POWER CW\r\nLOCATION: LI\r\n"
+                        "QSO: 3520 CW 2026-05-01 0600 1 OE5FRM 599 LI OE3XYZ 599 MD\r\nEND-OF-LOG:\r\n");
+        const Result r = Run({QStringLiteral("upload"), log, QStringLiteral("--server"), server.Host()});
+        QCOMPARE(r.code, 1);
+        const QString err = QString::fromUtf8(r.err);
+        QVERIFY2(err.startsWith(QStringLiteral("Das Hochladen des Logs ist fehlgeschlagen.\n")), qPrintable(err));
+        QVERIFY2(!err.contains(QStringLiteral("Möchtest du")), qPrintable(err));
+        QVERIFY(!err.contains(QLatin1Char('?')));
+        QVERIFY(err.contains(log));
+        QVERIFY(err.contains(QStringLiteral("bestätigt den Empfang nicht")));
+    }
+
+    void refusedUpdateListLinesAreNamedWithTheirReasonAndNeverSucceed() {
+        UpdateServerProcess server;
+        const QByteArray kBez = "WI;500;200;Wien;1;\r\nGZ;420;420;Graz;6;\r\n";
+        server.WriteList(QStringLiteral("; Kolibrino\r\n") + server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         server.Publish(QStringLiteral("../Logs/test.KOLBO"), "x", 2) +
+                         QStringLiteral("OeCallList.txt|zwei|01052026|3|%1|kaputt\r\n").arg(Md5Hex("abc")) +
+                         server.Publish(QStringLiteral(".hidden"), "x", 2));
+        const QString log = home->path() + QStringLiteral("/Logs/test.KOLBO");
+        WriteBytes(log, "mein Log");
+        for (const char* mode : {"--check", "--install"}) {
+            const Result r = Run({QStringLiteral("update"), QString::fromLatin1(mode), QStringLiteral("--server"),
+                                  server.HostPort()});
+            QCOMPARE(r.code, 1);
+            const QString err = QString::fromUtf8(r.err);
+            QVERIFY2(err.contains(QStringLiteral("Zeile 3: ../Logs/test.KOLBO|")), qPrintable(err));
+            QVERIFY(err.contains(QStringLiteral("Der Dateiname enthält einen Ordner")));
+            QVERIFY(err.contains(QStringLiteral("Zeile 4: OeCallList.txt|zwei|")));
+            QVERIFY(err.contains(QStringLiteral("Die Version ist keine ganze Zahl.")));
+            QVERIFY(err.contains(QStringLiteral("Zeile 5: .hidden|")));
+            QVERIFY(err.contains(QStringLiteral("Der Dateiname beginnt mit einem Punkt.")));
+        }
+        QCOMPARE(ReadBytes(home->path() + QStringLiteral("/bez_koord.txt")), kBez); // the good line is installed
+        QCOMPARE(ReadBytes(log), QByteArray("mein Log"));
     }
 
     void wrongUseGivesStatusTwo() {

@@ -6,12 +6,16 @@
 #include "export/printout_text.h"
 #include "export/submission.h"
 #include "tst_main_window_support.h"
+#include "update_server_support.h"
 #include "upload_server.h"
 
 #include <QAction>
 #include <QDialog>
 #include <QLabel>
+#include <QElapsedTimer>
 #include <QProcess>
+#include <QPushButton>
+#include <QRegularExpression>
 #include <QTimer>
 
 using namespace kolibrino;
@@ -31,6 +35,16 @@ std::vector<QsoRecord> SomeContacts(int n) {
         r.push_back(q);
     }
     return r;
+}
+
+// The busy panel as it stands now, or null.
+QDialog* Panel() {
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->objectName() == QLatin1String("Picture10") && w->isVisible()) return qobject_cast<QDialog*>(w);
+    return nullptr;
+}
+QString PanelText(QDialog* p) {
+    return p->findChild<QLabel*>(QStringLiteral("Label22"))->text();
 }
 
 } // namespace
@@ -136,6 +150,126 @@ private slots:
         QVERIFY(seen.contains(QStringLiteral("LOG-Hochladen...")));
         QCOMPARE(f->dialogs.LastBox()->text, UploadFailedText(SentFile(), QString()));
         QVERIFY(f->opened.isEmpty());
+    }
+    // The panel says "Cabrillo erzeugen..." from the making of the file through the ping,
+    // and "LOG-Hochladen..." while the file goes to the server.
+    void busyPanelTextsComeInTheOrderOfTheSubmission() {
+        SilentServer silent;
+        f->Ini(QStringLiteral("Server"), QStringLiteral("LogServer"), silent.Host());
+        QStringList seen;
+        auto note = [&seen](const QString& text) {
+            if (seen.isEmpty() || seen.last() != text) seen << text;
+        };
+        options.score = [&](const Model&) { // runs while the file is made
+            QDialog* p = Panel();
+            note(p ? PanelText(p) : QStringLiteral("(kein Panel)"));
+            return std::optional<long>(321);
+        };
+        QVERIFY(Start(SomeContacts(2)));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        f->dialogs.AnswerMsgBox(Msg::No);
+        QTimer probe;
+        connect(&probe, &QTimer::timeout, [&] {
+            if (QDialog* p = Panel()) note(PanelText(p));
+        });
+        probe.start(20);
+        Trigger("MnLogEinsenden");
+        probe.stop();
+        QCOMPARE(seen, (QStringList{QStringLiteral("Cabrillo erzeugen..."), QStringLiteral("LOG-Hochladen...")}));
+    }
+    void pingRunsUnderTheCabrilloTextAfterTheFileIsWritten() {
+        test::SilentHost host; // connections never complete: the ping waits its full time
+        host.Fill();
+        f->Ini(QStringLiteral("Server"), QStringLiteral("LogServer"), QStringLiteral("127.0.0.1:%1").arg(host.port));
+        QVERIFY(Start(SomeContacts(2)));
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        QStringList duringPing;
+        QTimer probe;
+        connect(&probe, &QTimer::timeout, [&] {
+            if (QDialog* p = Panel(); p && QFile::exists(SentFile())) duringPing << PanelText(p);
+        });
+        probe.start(20);
+        Trigger("MnLogEinsenden");
+        probe.stop();
+        QVERIFY(!duringPing.isEmpty());
+        QCOMPARE(duringPing.first(), QStringLiteral("Cabrillo erzeugen..."));
+        QCOMPARE(duringPing.last(), QStringLiteral("Cabrillo erzeugen..."));
+        QCOMPARE(f->dialogs.LastBox()->text, QStringLiteral("Einsenden abgebrochen!\nServer nicht erreichbar!"));
+    }
+    // "Abbrechen" on the panel of a stalled upload ends it at once: nothing is reported
+    // as sent, the log keeps its bytes; the panel counts down the time it still waits.
+    void cancelEndsAStalledUploadAtOnceAndReportsNothingAsSent() {
+        SilentServer silent;
+        f->Ini(QStringLiteral("Server"), QStringLiteral("LogServer"), silent.Host());
+        options.timeouts = net::HttpTimeouts{2000, 120000};
+        QVERIFY(Start(SomeContacts(3)));
+        const QString log = f->home.model.LogFolder + QStringLiteral("test.KOLBO");
+        const QByteArray before = ReadBytes(log);
+        f->dialogs.AnswerMsgBox(Msg::Yes);
+        QString countdown;
+        bool clicked = false;
+        QTimer probe;
+        connect(&probe, &QTimer::timeout, [&] {
+            QDialog* p = Panel();
+            if (!p || PanelText(p) != QLatin1String("LOG-Hochladen...") || clicked) return;
+            auto* left = p->findChild<QLabel*>(QStringLiteral("Label23"));
+            auto* cancel = p->findChild<QPushButton*>(QStringLiteral("Command1"));
+            if (!left || !left->isVisible() || !cancel || !cancel->isVisible()) return;
+            countdown = left->text();
+            QCOMPARE(cancel->text(), QStringLiteral("Abbrechen"));
+            clicked = true;
+            QTest::mouseClick(cancel, Qt::LeftButton);
+        });
+        probe.start(50);
+        QElapsedTimer clock;
+        clock.start();
+        Trigger("MnLogEinsenden");
+        const qint64 took = clock.elapsed();
+        probe.stop();
+        QVERIFY(clicked);
+        QVERIFY2(QRegularExpression(QStringLiteral("^Wartet noch höchstens 1[0-2]\\d s$")).match(countdown).hasMatch(),
+                 qPrintable(countdown));
+        QVERIFY2(took < 60000, qPrintable(QString::number(took))); // far below the 120 s of the transfer
+        QCOMPARE(f->dialogs.LastBox()->text, CancelledText());
+        QCOMPARE(f->dialogs.LastBox()->flags, int(Msg::Information));
+        for (const ShownBox& b : f->dialogs.boxes)
+            QVERIFY(b.text != SentText() && !b.text.startsWith(QStringLiteral("Das Hochladen des Logs ist")));
+        QVERIFY(f->opened.isEmpty());
+        QCOMPARE(ReadBytes(log), before);
+        QVERIFY(!Panel());
+    }
+    // The end-of-period reminder that comes while an upload runs waits until the upload
+    // has ended, and only then asks.
+    void reminderDuringARunningUploadWaitsUntilItEnds() {
+        SilentServer silent;
+        f->Ini(QStringLiteral("Server"), QStringLiteral("LogServer"), silent.Host());
+        QVERIFY(Start(SomeContacts(3)));
+        f->dialogs.AnswerMsgBox(Msg::Yes); // the submission from the menu
+        f->dialogs.AnswerMsgBox(Msg::No);  // its failure: no folder
+        f->dialogs.AnswerMsgBox(Msg::No);  // the reminder's question, afterwards
+        bool fired = false;
+        int boxesWhenFired = -1;
+        QTimer probe;
+        connect(&probe, &QTimer::timeout, [&] {
+            QDialog* p = Panel();
+            if (fired || !p || PanelText(p) != QLatin1String("LOG-Hochladen...")) return;
+            fired = true;
+            boxesWhenFired = int(f->dialogs.boxes.size());
+            f->clock.Set(QDateTime(QDate(2026, 5, 1), QTime(17, 1, 30))); // Timer4 reminds now
+        });
+        probe.start(20);
+        Trigger("MnLogEinsenden");
+        QVERIFY(fired);
+        // While the upload ran no second submission started.
+        QCOMPARE(boxesWhenFired, 1);
+        QCOMPARE(f->dialogs.boxes.size(), 2);
+        QCOMPARE(f->dialogs.boxes[1].text, UploadFailedText(SentFile(), QString()));
+        // Then the reminder shows.
+        QTRY_COMPARE_WITH_TIMEOUT(f->dialogs.boxes.size(), 3, 5000);
+        probe.stop();
+        QVERIFY(f->dialogs.boxes[2].text.endsWith(QStringLiteral("Soll das aktuelle Log jetzt eingesendet werden?")));
+        QTest::qWait(300);
+        QCOMPARE(f->dialogs.boxes.size(), 3);
     }
     void wrongEchoOffersTheFolder() {
         UseServer();
