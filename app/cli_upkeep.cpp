@@ -5,9 +5,10 @@
 //   kolibrino-cli update --install [--server HOST[:PORT]]   installs the offered data files
 //
 // --install never installs the program itself. Exit status 0 on success, 1 when the
-// server cannot be reached, the list cannot be fetched, any download fails or any MD5
-// differs (the files checked before stay installed), 2 on wrong use. Messages go to
-// standard error.
+// server cannot be reached, the list cannot be fetched, a line of the list is refused
+// (each one named with its reason), any download or copy fails (named with its cause)
+// or any MD5 differs (the files checked before stay installed), 2 on wrong use.
+// Messages go to standard error.
 #include "app/console_dialogs.h"
 #include "core/paths.h"
 #include "upkeep/http_update_transport.h"
@@ -53,6 +54,11 @@ int RunUpdateCli(const QStringList& args) {
         if (!detail.isEmpty()) std::fprintf(stderr, "%s\n", detail.toLocal8Bit().constData());
         return 1;
     };
+    const bool refused = !check.refused.empty();
+    if (refused) {
+        QString text = RefusedLinesText(check.refused);
+        std::fprintf(stderr, "%s\n", text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).toLocal8Bit().constData());
+    }
     switch (check.outcome) {
     case CheckOutcome::NoServer:
         return fail(QString::fromUtf8(kTxtKeinServer).replace(QStringLiteral("\r\n"), QStringLiteral("\n")),
@@ -64,7 +70,7 @@ int RunUpdateCli(const QStringList& args) {
         return fail(QString::fromUtf8(kTxtDownloadFehler), check.detail);
     case CheckOutcome::NoUpdates:
         if (install) std::fprintf(stderr, "%s\n", kTxtKeineUpdates);
-        return 0;
+        return refused ? 1 : 0;
     case CheckOutcome::Offered:
         break;
     }
@@ -73,7 +79,7 @@ int RunUpdateCli(const QStringList& args) {
             const QByteArray line = (EntryLine(check.entries[size_t(i)]) + QLatin1Char('\n')).toLocal8Bit();
             std::fwrite(line.constData(), 1, size_t(line.size()), stdout);
         }
-        return 0;
+        return refused ? 1 : 0;
     }
     std::vector<UpdateBox> boxes;
     for (int i : check.offered)
@@ -87,7 +93,11 @@ int RunUpdateCli(const QStringList& args) {
     for (const QString& name : r.skipped)
         std::fprintf(stderr, "%s: Das Programm selbst wird nicht über die Kommandozeile aktualisiert.\n",
                      name.toLocal8Bit().constData());
-    return r.outcome == InstallOutcome::Done && r.failedDownloads == 0 ? 0 : 1;
+    for (const QString& failure : r.failures)
+        std::fprintf(stderr, "%s\n", failure.toLocal8Bit().constData());
+    const bool complete = r.outcome == InstallOutcome::Done && r.failedDownloads == 0 && r.failedCopies == 0 &&
+                          r.refused.isEmpty();
+    return complete && !refused ? 0 : 1;
 }
 
 } // namespace kolibrino

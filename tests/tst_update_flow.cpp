@@ -6,6 +6,8 @@
 #include "upkeep/http_update_transport.h"
 #include "upkeep/update_flow.h"
 
+#include <QElapsedTimer>
+
 using namespace kolibrino;
 using namespace kolibrino::upkeep;
 
@@ -70,12 +72,12 @@ private slots:
                          server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
                          server.Publish(QStringLiteral("OeCallList.txt"), kCalls, 5) +
                          server.Publish(QStringLiteral("BZ_Karte.gif"), kMap, 4) +
-                         server.Publish(QStringLiteral("Info.txt"), "Hallo", 1));
+                         server.Publish(QStringLiteral("KOLBOHilfe.pdf"), "Hallo", 1));
         HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         QCOMPARE(int(c.outcome), int(CheckOutcome::Offered));
         QCOMPARE(c.entries.size(), size_t(4));
-        QCOMPARE(Names(c), (QStringList{QStringLiteral("bez_koord.txt"), QStringLiteral("Info.txt")}));
+        QCOMPARE(Names(c), (QStringList{QStringLiteral("bez_koord.txt"), QStringLiteral("KOLBOHilfe.pdf")}));
         QVERIFY(
             !QFile::exists(home.model.TmpFolder + QStringLiteral("KOLBOUpd.txt"))); // deleted after reading
     }
@@ -164,9 +166,9 @@ private slots:
     void serverThatAnswersPingButLacksAFileGivesTheDownloadMessagePerFileAndGoesOn() {
         test::Home home;
         test::UpdateServerProcess server;
-        server.WriteList(test::UpdateServerProcess::ListLine(QStringLiteral("fehlt1.txt"), "x", 3) +
+        server.WriteList(test::UpdateServerProcess::ListLine(QStringLiteral("KOLBOHilfe.pdf"), "x", 3) +
                          server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
-                         test::UpdateServerProcess::ListLine(QStringLiteral("fehlt2.txt"), "y", 3));
+                         test::UpdateServerProcess::ListLine(QStringLiteral("OeCallList.txt"), "y", 3));
         HttpUpdateTransport t;
         const CheckResult c = CheckForUpdates(home.model, t, server.Server());
         ScriptedDialogs d;
@@ -182,9 +184,9 @@ private slots:
             QCOMPARE(d.boxes[i].flags, int(Msg::Critical));
         }
         QCOMPARE(test::ReadBytes(home.model.DataFolder + QStringLiteral("bez_koord.txt")), kBez);
-        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("fehlt1.txt")));
-        QVERIFY(!QFile::exists(home.model.TmpFolder + QStringLiteral("fehlt1.txt")));
-        QCOMPARE(Version(home, QStringLiteral("fehlt1.txt")), 0);
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("KOLBOHilfe.pdf")));
+        QVERIFY(!QFile::exists(home.model.TmpFolder + QStringLiteral("KOLBOHilfe.pdf")));
+        QCOMPARE(Version(home, QStringLiteral("KOLBOHilfe.pdf")), 0);
     }
 
     void missingListIsADownloadFailure() {
@@ -302,7 +304,7 @@ private slots:
                  int(InstallOutcome::NothingListed));
         QCOMPARE(d.boxes.last().text, QStringLiteral("Keine Dateien zum Downloaden vorhanden!"));
         const auto entries =
-            ParseUpdateList(test::UpdateServerProcess::ListLine(QStringLiteral("a.txt"), "a", 1));
+            ParseUpdateList(test::UpdateServerProcess::ListLine(QStringLiteral("bez_koord.txt"), "a", 1));
         QCOMPARE(int(InstallUpdates(home.model, d, t, s, entries, {{0, false}}, Program()).outcome),
                  int(InstallOutcome::NothingTicked));
         QCOMPARE(d.boxes.last().text, QStringLiteral("Keine Datei zum Downloaden ausgewählt"));
@@ -317,7 +319,7 @@ private slots:
         s.host = QStringLiteral("127.0.0.1");
         s.port = test::FreeLoopbackPort();
         const auto entries =
-            ParseUpdateList(test::UpdateServerProcess::ListLine(QStringLiteral("a.txt"), "a", 1));
+            ParseUpdateList(test::UpdateServerProcess::ListLine(QStringLiteral("bez_koord.txt"), "a", 1));
         QCOMPARE(int(InstallUpdates(home.model, d, t, s, entries, {{0, true}}, Program()).outcome),
                  int(InstallOutcome::Unreachable));
         QCOMPARE(d.boxes.last().text, QStringLiteral("Server nicht erreichbar!"));
@@ -393,6 +395,113 @@ private slots:
                  QStringLiteral("900150983CD24FB0D6963F7D28E17F72"));
     }
 
+    // A hostile list: names that climb out of the folder, hide, nest, carry control
+    // characters or name a log or the settings. Each is refused with its line; nothing
+    // is written outside, the log and the settings keep their bytes.
+    void hostileUpdateServerWritesNothingOutsideAndNamesEachRefusedLine() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        const QString log = home.model.LogFolder + QStringLiteral("test.KOLBO");
+        test::WriteBytes(log, "[MYCALL:6]OE1XYZ\r\n");
+        IniWrite({}, QStringLiteral("Station"), QStringLiteral("Call"), QStringLiteral("OE1XYZ"));
+        const QByteArray evil = "vom Server\r\n";
+        const QStringList hostile = {QStringLiteral("../Logs/test.KOLBO"), QStringLiteral("../../x"),
+                                     QStringLiteral(".hidden"),          QStringLiteral("a/b"),
+                                     QStringLiteral("bez\x01koord.txt"), QStringLiteral("test.KOLBO"),
+                                     QStringLiteral("kolibrino.INI")};
+        // "../../x" from Tmp/ is the data folder's parent (shared with others: noted before).
+        const QString outside = QDir(home.dir.path()).absoluteFilePath(QStringLiteral("../x"));
+        const bool outsideBefore = QFileInfo::exists(outside);
+        QString list = server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6);
+        for (const QString& name : hostile)
+            list += server.Publish(name, evil, 9);
+        server.WriteList(list);
+        HttpUpdateTransport t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        QCOMPARE(Names(c), QStringList{QStringLiteral("bez_koord.txt")});
+        QCOMPARE(c.refused.size(), size_t(hostile.size()));
+        for (int i = 0; i < hostile.size(); ++i) {
+            QCOMPARE(c.refused[size_t(i)].number, i + 2);
+            QVERIFY(!c.refused[size_t(i)].reason.isEmpty());
+            QVERIFY(RefusedLinesText(c.refused).contains(QStringLiteral("Zeile %1: ").arg(i + 2)));
+        }
+        ScriptedDialogs d;
+        const InstallResult r =
+            InstallUpdates(home.model, d, t, server.Server(), c.entries, AllOffered(c), Program());
+        QCOMPARE(r.installedNames, QStringList{QStringLiteral("bez_koord.txt")});
+        QCOMPARE(test::ReadBytes(log), QByteArray("[MYCALL:6]OE1XYZ\r\n"));
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("test.KOLBO")));
+        QCOMPARE(QFileInfo::exists(outside), outsideBefore);
+        QVERIFY(test::ReadBytes(outside) != evil);
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("x")));
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral(".hidden")));
+        QVERIFY(!QFile::exists(home.model.DataFolder + QStringLiteral("a")));
+        QVERIFY(!test::ReadBytes(home.model.IniPath).contains(evil));
+        QVERIFY(test::ReadBytes(home.model.IniPath).contains("OE1XYZ"));
+        // The same names handed to the install directly never reach a path either.
+        std::vector<UpdateEntry> direct;
+        std::vector<UpdateBox> boxes;
+        for (const QString& name : hostile) {
+            UpdateEntry e;
+            e.Name = name;
+            e.Version = 9;
+            e.Md5 = test::Md5Hex(evil);
+            boxes.push_back({int(direct.size()), true});
+            direct.push_back(e);
+        }
+        ScriptedDialogs d2;
+        const InstallResult r2 = InstallUpdates(home.model, d2, t, server.Server(), direct, boxes, Program());
+        QCOMPARE(r2.refused.size(), hostile.size());
+        QVERIFY(r2.installedNames.isEmpty());
+        QCOMPARE(test::ReadBytes(log), QByteArray("[MYCALL:6]OE1XYZ\r\n"));
+        QCOMPARE(QFileInfo::exists(outside), outsideBefore);
+        QVERIFY(!test::ReadBytes(home.model.IniPath).contains(evil));
+        QVERIFY(d2.boxes.first().text.contains(QStringLiteral("../Logs/test.KOLBO")));
+        QCOMPARE(d2.boxes.first().flags, int(Msg::Exclamation));
+    }
+
+    void failedCopyIsToldWithItsCauseAndNotNotedSoItIsOfferedAgain() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+                         server.Publish(QStringLiteral("BZ_Karte.gif"), kMap, 2));
+        // A folder where the district table belongs: the copy cannot replace it.
+        QVERIFY(QDir().mkpath(home.model.DataFolder + QStringLiteral("bez_koord.txt/inhalt")));
+        HttpUpdateTransport t;
+        const CheckResult c = CheckForUpdates(home.model, t, server.Server());
+        ScriptedDialogs d;
+        const InstallResult r =
+            InstallUpdates(home.model, d, t, server.Server(), c.entries, AllOffered(c), Program());
+        QCOMPARE(r.failedCopies, 1);
+        QCOMPARE(r.installedNames, QStringList{QStringLiteral("BZ_Karte.gif")});
+        QCOMPARE(Version(home, QStringLiteral("bez_koord.txt")), 0);
+        QCOMPARE(Version(home, QStringLiteral("BZ_Karte.gif")), 2);
+        const QString told = d.boxes.first().text;
+        QVERIFY(told.startsWith(QStringLiteral("Die Datei bez_koord.txt kann nicht nach ")));
+        const QString cause = told.section(QStringLiteral("\r\n"), 1, 1);
+        QVERIFY2(!cause.trimmed().isEmpty(), qPrintable(told));
+        QCOMPARE(d.boxes.first().flags, int(Msg::Critical));
+        QCOMPARE(Names(CheckForUpdates(home.model, t, server.Server())), QStringList{QStringLiteral("bez_koord.txt")});
+        // An installed file is no shipped copy any more: a package upgrade leaves it.
+        QCOMPARE(IniReadString(home.model.IniPath, QStringLiteral("Ausgeliefert"), QStringLiteral("BZ_Karte.gif")),
+                 QStringLiteral("0"));
+    }
+
+    void serverThatAcceptsAndNeverAnswersEndsTheCheckAtItsLimit() {
+        test::Home home;
+        test::SilentHost silent;
+        UpdateServer s;
+        s.host = QStringLiteral("127.0.0.1");
+        s.port = silent.port;
+        HttpUpdateTransport t;
+        QElapsedTimer clock;
+        clock.start();
+        const CheckResult c = CheckForUpdates(home.model, t, s, {}, 1500);
+        QCOMPARE(int(c.outcome), int(CheckOutcome::ListFailed));
+        QVERIFY2(c.detail.contains(QStringLiteral("Zeitüberschreitung")), qPrintable(c.detail));
+        QVERIFY2(clock.elapsed() < 9000, qPrintable(QString::number(clock.elapsed()))); // idle limit is 10 s
+    }
+
     void commandLineCheckPrintsTheOfferedEntries() {
         test::Home home;
         test::UpdateServerProcess server;
@@ -438,7 +547,7 @@ private slots:
     void commandLineInstallExitsOneOnAMissingFileOrServer() {
         test::Home home;
         test::UpdateServerProcess server;
-        server.WriteList(test::UpdateServerProcess::ListLine(QStringLiteral("fehlt.txt"), "x", 3));
+        server.WriteList(test::UpdateServerProcess::ListLine(QStringLiteral("OeCallList.txt"), "x", 3));
         QCOMPARE(RunCli(home, {QStringLiteral("--install"), QStringLiteral("--server"), server.HostPort()})
                      .exitCode,
                  1);

@@ -30,14 +30,14 @@ private slots:
         QVERIFY(!IsListLine(QString()));
         QVERIFY(IsListLine(QStringLiteral("a|1|2|3|4|5")));
         const auto entries =
-            ParseUpdateList(QStringLiteral("x|1|2|3|4|\r\n") + Line(QStringLiteral("a.txt"), 2));
+            ParseUpdateList(QStringLiteral("x|1|2|3|4|\r\n") + Line(QStringLiteral("bez_koord.txt"), 2));
         QCOMPARE(entries.size(), size_t(1));
-        QCOMPARE(entries[0].Name, QStringLiteral("a.txt"));
+        QCOMPARE(entries[0].Name, QStringLiteral("bez_koord.txt"));
     }
 
     void commentLinesAreIgnored() {
         for (const char* lead : {";", ":", "'", "  ;"}) {
-            const QString line = QString::fromLatin1(lead) + Line(QStringLiteral("a.txt"), 2);
+            const QString line = QString::fromLatin1(lead) + Line(QStringLiteral("bez_koord.txt"), 2);
             QVERIFY2(ParseUpdateList(line).empty(), lead);
         }
     }
@@ -57,17 +57,17 @@ private slots:
 
     void invalidNumbersOrChecksumMakeNoEntry() {
         const QStringList bad = {
-            QStringLiteral("a.txt|-1|01052026|10|%1|x").arg(kMd5),
-            QStringLiteral("a.txt|1|01052026|-10|%1|x").arg(kMd5),
-            QStringLiteral("a.txt|2147483648|01052026|10|%1|x").arg(kMd5),
-            QStringLiteral("a.txt|1x|01052026|10|%1|x").arg(kMd5),
-            QStringLiteral("a.txt|1|01052026|10|0123|x"),
+            QStringLiteral("bez_koord.txt|-1|01052026|10|%1|x").arg(kMd5),
+            QStringLiteral("bez_koord.txt|1|01052026|-10|%1|x").arg(kMd5),
+            QStringLiteral("bez_koord.txt|2147483648|01052026|10|%1|x").arg(kMd5),
+            QStringLiteral("bez_koord.txt|1x|01052026|10|%1|x").arg(kMd5),
+            QStringLiteral("bez_koord.txt|1|01052026|10|0123|x"),
             QStringLiteral("   |1|01052026|10|%1|x").arg(kMd5),
-            QStringLiteral("a.txt|1|01052026|10"),
+            QStringLiteral("bez_koord.txt|1|01052026|10"),
         };
         for (const QString& l : bad)
             QVERIFY2(ParseUpdateList(l).empty(), qPrintable(l));
-        QCOMPARE(ParseUpdateList(QStringLiteral("a.txt|2147483647|0105|0|%1").arg(kMd5)).size(), size_t(1));
+        QCOMPARE(ParseUpdateList(QStringLiteral("bez_koord.txt|2147483647|0105|0|%1").arg(kMd5)).size(), size_t(1));
     }
 
     void entryWithSameVersionAsInstalledIsNotOffered() {
@@ -86,10 +86,10 @@ private slots:
 
     void newerOrUnknownEntriesAreOfferedInListOrder() {
         test::Home home;
-        IniWrite(home.model.IniPath, QStringLiteral("a.txt"), QStringLiteral("Version"), 5);
-        const QString text = Line(QStringLiteral("a.txt"), 6) + QStringLiteral("\r\n") +
-                             Line(QStringLiteral("b.txt"), 1) + QStringLiteral("\r\n") +
-                             Line(QStringLiteral("c.txt"), 0);
+        IniWrite(home.model.IniPath, QStringLiteral("bez_koord.txt"), QStringLiteral("Version"), 5);
+        const QString text = Line(QStringLiteral("bez_koord.txt"), 6) + QStringLiteral("\r\n") +
+                             Line(QStringLiteral("OeCallList.txt"), 1) + QStringLiteral("\r\n") +
+                             Line(QStringLiteral("BZ_Karte.gif"), 0);
         const auto entries = ParseUpdateList(text);
         QCOMPARE(entries.size(), size_t(3));
         // An entry without a stored version counts against version 0: 0 is not offered.
@@ -106,8 +106,12 @@ private slots:
 
     void installedEntryWithBracketInItsNameIsNotOfferedAgain() {
         test::Home home;
-        const auto entries = ParseUpdateList(Line(QStringLiteral("karte]2.gif"), 3));
-        QCOMPARE(entries.size(), size_t(1));
+        // Such a name never comes from the list (it is refused there); the settings hold it all the same.
+        QVERIFY(ParseUpdateList(Line(QStringLiteral("karte]2.gif"), 3)).empty());
+        UpdateEntry e;
+        e.Name = QStringLiteral("karte]2.gif");
+        e.Version = 3;
+        const std::vector<UpdateEntry> entries{e};
         QCOMPARE(OfferedEntries(entries, home.model.IniPath), (std::vector<int>{0}));
         NoteInstalledVersion(home.model.IniPath, entries[0].Name, entries[0].Version);
         QCOMPARE(InstalledVersion(home.model.IniPath, entries[0].Name), 3);
@@ -118,13 +122,77 @@ private slots:
         test::Home home;
         for (const QString& name : {QStringLiteral("Straße.txt"), QStringLiteral("µ.txt")}) {
             for (int version : {55, 56}) {
-                const auto entries = ParseUpdateList(Line(name, version));
+                UpdateEntry e;
+                e.Name = name;
+                e.Version = version;
+                const std::vector<UpdateEntry> entries{e};
                 QCOMPARE(OfferedEntries(entries, home.model.IniPath), (std::vector<int>{0}));
                 NoteInstalledVersion(home.model.IniPath, entries[0].Name, version);
                 QCOMPARE(InstalledVersion(home.model.IniPath, name), version);
                 QVERIFY(OfferedEntries(entries, home.model.IniPath).empty());
             }
         }
+    }
+
+    void namesThatLeaveTheFolderOrAreNoShippedFileAreRefusedWithTheirReason_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("reason");
+        const QString folder = QStringLiteral("Der Dateiname enthält einen Ordner (\"/\" oder \"\\\").");
+        QTest::newRow("log of the operator") << QStringLiteral("../Logs/test.KOLBO") << folder;
+        QTest::newRow("outside the data folder") << QStringLiteral("../../x") << folder;
+        QTest::newRow("sub folder") << QStringLiteral("a/b") << folder;
+        QTest::newRow("backslash") << QStringLiteral("..\\kolibrino.INI") << folder;
+        QTest::newRow("absolute") << QStringLiteral("/etc/passwd") << folder;
+        QTest::newRow("dots") << QStringLiteral("bez_koord..txt") << QStringLiteral("Der Dateiname enthält \"..\".");
+        QTest::newRow("hidden") << QStringLiteral(".hidden") << QStringLiteral("Der Dateiname beginnt mit einem Punkt.");
+        QTest::newRow("control") << QStringLiteral("bez\x01koord.txt")
+                                 << QStringLiteral("Der Dateiname enthält ein Steuerzeichen.");
+        QTest::newRow("tab inside") << QStringLiteral("bez\tkoord.txt")
+                                    << QStringLiteral("Der Dateiname enthält ein Steuerzeichen.");
+        QTest::newRow("a log") << QStringLiteral("test.KOLBO")
+                               << QStringLiteral("test.KOLBO gehört nicht zu den Dateien, die ein Update ersetzen darf.");
+        QTest::newRow("the settings") << QStringLiteral("kolibrino.INI")
+                                      << QStringLiteral("kolibrino.INI gehört nicht zu den Dateien, die ein Update ersetzen darf.");
+    }
+    void namesThatLeaveTheFolderOrAreNoShippedFileAreRefusedWithTheirReason() {
+        QFETCH(QString, name);
+        QFETCH(QString, reason);
+        QCOMPARE(RefusedNameReason(name), reason);
+        std::vector<RefusedLine> refused;
+        const QString text = QStringLiteral("; Liste\r\n") + Line(QStringLiteral("bez_koord.txt"), 2) +
+                             QStringLiteral("\r\n") + Line(name, 3) + QStringLiteral("\r\n");
+        const auto entries = ParseUpdateList(text, refused);
+        QCOMPARE(entries.size(), size_t(1));
+        QCOMPARE(entries[0].Name, QStringLiteral("bez_koord.txt"));
+        QCOMPARE(refused.size(), size_t(1));
+        QCOMPARE(refused[0].number, 3);
+        QCOMPARE(refused[0].reason, reason);
+        QVERIFY(!refused[0].text.contains(QChar(1)));
+        QVERIFY(RefusedLinesText(refused).contains(QStringLiteral("Zeile 3: ")));
+    }
+
+    void shippedFilesAndTheProgramPassInAnyCase() {
+        for (const char* name : {"bez_koord.txt", "BZ_Karte.gif", "KOLBOHilfe.pdf", "OeCallList.txt",
+                                 "kolibrino.bin", " BEZ_KOORD.TXT ", "Kolibrino.BIN"})
+            QVERIFY2(RefusedNameReason(QString::fromLatin1(name)).isEmpty(), name);
+        QCOMPARE(DataFileName(QStringLiteral(" BEZ_KOORD.TXT")), QStringLiteral("bez_koord.txt"));
+    }
+
+    void malformedLinesAreNamedWithTheirReason() {
+        std::vector<RefusedLine> refused;
+        const QString text = QStringLiteral("bez_koord.txt|1x|01052026|10|%1|x\r\n"
+                                            "bez_koord.txt|1|01052026|10|0123|x\r\n"
+                                            "bez_koord.txt|1|01052026|x|%1|x\r\n"
+                                            "kurz\r\n"
+                                            "bez_koord.txt|1|01052026\r\n")
+                                 .arg(kMd5);
+        QVERIFY(ParseUpdateList(text, refused).empty());
+        QCOMPARE(refused.size(), size_t(4)); // the short line does not count
+        QCOMPARE(refused[0].reason, QStringLiteral("Die Version ist keine ganze Zahl."));
+        QCOMPARE(refused[1].reason, QStringLiteral("Die Prüfsumme (MD5) hat nicht 32 Hexadezimalziffern."));
+        QCOMPARE(refused[2].reason, QStringLiteral("Die Größe ist keine ganze Zahl."));
+        QCOMPARE(refused[3].number, 5);
+        QCOMPARE(refused[3].reason, QStringLiteral("Die Zeile hat weniger als fünf Felder."));
     }
 
     void sizeTextsByMagnitude() {
@@ -141,11 +209,11 @@ private slots:
     void dateTextAndCaption() {
         QCOMPARE(DateText(QStringLiteral("01052026"), QLatin1Char('.')), QStringLiteral("01.05.2026"));
         QCOMPARE(DateText(QStringLiteral("1"), QLatin1Char('.')), QStringLiteral("1.."));
-        const auto e = ParseUpdateList(Line(QStringLiteral("a.txt"), 7, 2048));
+        const auto e = ParseUpdateList(Line(QStringLiteral("bez_koord.txt"), 7, 2048));
         QCOMPARE(EntryCaption(e[0], test::AustrianLocale(), QLatin1Char('.')),
-                 QStringLiteral("Datei:   a.txt\nVersion:   7\nGröße:   2048 Bytes (2,05 KB)\n"
+                 QStringLiteral("Datei:   bez_koord.txt\nVersion:   7\nGröße:   2048 Bytes (2,05 KB)\n"
                                 "Datum:   01.05.2026\nInfo:   Neue Daten"));
-        QCOMPARE(EntryLine(e[0]), QStringLiteral("a.txt 7 2048"));
+        QCOMPARE(EntryLine(e[0]), QStringLiteral("bez_koord.txt 7 2048"));
     }
 
     void programEntryIsTheExecutableNameWithBin() {
@@ -162,9 +230,9 @@ private slots:
     // negative size or version.
     void mutatedAndRandomListsNeverOfferNegativeEntries() {
         test::Home home;
-        IniWrite(home.model.IniPath, QStringLiteral("a.txt"), QStringLiteral("Version"), 3);
+        IniWrite(home.model.IniPath, QStringLiteral("bez_koord.txt"), QStringLiteral("Version"), 3);
         QRandomGenerator rng(20260501);
-        const QString base = QStringLiteral("; Kolibrino Updates\r\n") + Line(QStringLiteral("a.txt"), 4) +
+        const QString base = QStringLiteral("; Kolibrino Updates\r\n") + Line(QStringLiteral("bez_koord.txt"), 4) +
                              QStringLiteral("\r\n") + Line(QStringLiteral("kolibrino.bin"), 1000001, 800000) +
                              QStringLiteral("\r\n") + Line(QStringLiteral("OeCallList.txt"), 9, 12);
         const QString alphabet = QStringLiteral("|0123456789-+ .;:'\r\nabcdefABCDEFxyzäöü\t");

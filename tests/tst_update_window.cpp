@@ -9,6 +9,7 @@
 #include "upkeep/upkeep_install.h"
 
 #include <QAction>
+#include <QElapsedTimer>
 #include <QPushButton>
 #include <QScrollArea>
 
@@ -115,6 +116,61 @@ private slots:
             setup::ExecModal(w);
             QVERIFY(Texts(d).first().startsWith(QStringLiteral("Es ist kein Update-Server eingestellt.")));
         }
+    }
+
+    // A server that takes the connection and never answers: the splash keeps painting
+    // (the window thread's events run all the while) and the check ends at its limit.
+    void splashKeepsPaintingWhileAServerNeverAnswersAndTheCheckEndsAtItsLimit() {
+        test::Home home;
+        test::SilentHost silent;
+        UpdateServer s;
+        s.host = QStringLiteral("127.0.0.1");
+        s.port = silent.port;
+        ScriptedDialogs d;
+        HttpUpdateTransport t;
+        UpdateWindow w(home.model, d, t, s, Program(), true);
+        w.checkLimitMs = 2000;
+        int ticksWhileChecking = 0;
+        int paintsWhileChecking = 0;
+        QWidget* splash = w.findChild<QWidget*>(QStringLiteral("Picture3"));
+        QTimer tick;
+        connect(&tick, &QTimer::timeout, [&] {
+            if (!w.isVisible() || !d.boxes.isEmpty()) return; // the check has not ended yet
+            ++ticksWhileChecking;
+            if (splash->isVisible()) {
+                splash->repaint(); // paints now, on this thread
+                ++paintsWhileChecking;
+            }
+        });
+        tick.start(20);
+        QElapsedTimer clock;
+        clock.start();
+        setup::PushModalDriver([](QDialog&) {});
+        setup::ExecModal(w);
+        const qint64 took = clock.elapsed();
+        tick.stop();
+        QVERIFY2(ticksWhileChecking >= 5, qPrintable(QString::number(ticksWhileChecking)));
+        QVERIFY(paintsWhileChecking >= 5);
+        QVERIFY2(took < 9000, qPrintable(QString::number(took))); // the download's idle limit alone is 10 s
+        QCOMPARE(Texts(d), QStringList{QStringLiteral("Fehler beim Download: Entweder existiert die URL nicht, "
+                                                      "oder Server nicht erreichbar!")});
+    }
+
+    void refusedLinesOfTheListAreNamedInTheWindow() {
+        test::Home home;
+        test::UpdateServerProcess server;
+        server.WriteList(server.Publish(QStringLiteral("../Logs/test.KOLBO"), "x", 3) +
+                         server.Publish(QStringLiteral("kolibrino.INI"), "x", 3));
+        ScriptedDialogs d;
+        HttpUpdateTransport t;
+        UpdateWindow w(home.model, d, t, server.Server(), Program(), false);
+        setup::ExecModal(w);
+        QCOMPARE(d.boxes.size(), 2);
+        QVERIFY(d.boxes[0].text.contains(QStringLiteral("Zeile 1: ../Logs/test.KOLBO|3|")));
+        QVERIFY(d.boxes[0].text.contains(QStringLiteral("Der Dateiname enthält einen Ordner")));
+        QVERIFY(d.boxes[0].text.contains(QStringLiteral("Zeile 2: kolibrino.INI|3|")));
+        QCOMPARE(d.boxes[0].flags, int(Msg::Exclamation));
+        QCOMPARE(d.boxes[1].text, QStringLiteral("Es sind keine neuen Updates verfügbar. Fenster wird geschlossen."));
     }
 
     void missingListShowsTheListWithTheDownloadMessage() {

@@ -16,6 +16,7 @@ QString HttpUpdateTransport::Download(const QUrl& url, const QString& file,
     o.nocache = true;
     o.connectMs = timeouts.connectMs;
     o.idleMs = timeouts.idleMs;
+    o.transferMs = timeouts.totalMs;
     return net::HttpDownload(QString::fromLatin1(url.toEncoded()), file, o);
 }
 

@@ -2,10 +2,12 @@
 
 #include "core/atomic_file.h"
 #include "core/cp1252.h"
+#include "core/paths.h"
 #include "core/settings.h"
 #include "upkeep/replace_script.h"
 
 #include <QCryptographicHash>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QFileInfo>
 
@@ -22,6 +24,32 @@ void Hide(const BusyPanel& b) {
 }
 QString T(const char* text) {
     return QString::fromUtf8(text);
+}
+
+QString LimitText(int limitMs) {
+    return QStringLiteral("Zeitüberschreitung: Das Update hat sein Zeitlimit von %1 s erreicht.")
+        .arg((limitMs + 999) / 1000);
+}
+
+// What is left of the limit for the next network call; 0 when it has passed.
+int Left(const QDeadlineTimer& deadline) {
+    return int(std::max<qint64>(0, deadline.remainingTime()));
+}
+
+TransportTimeouts DownloadTimeouts(const QDeadlineTimer& deadline) {
+    TransportTimeouts to;
+    to.totalMs = std::max(1, Left(deadline));
+    to.connectMs = std::min(to.connectMs, to.totalMs);
+    return to;
+}
+
+// Copies the checked file into DataFolder; empty on success, else the cause.
+QString CopyIntoDataFolder(const QString& tmp, const QString& target) {
+    bool ok = false;
+    QString error;
+    const QByteArray bytes = ReadWholeFile(tmp, &ok, &error);
+    if (!ok) return error.isEmpty() ? QStringLiteral("%1 kann nicht gelesen werden.").arg(tmp) : error;
+    return WriteFileAtomic(target, bytes);
 }
 
 } // namespace
@@ -71,11 +99,12 @@ bool CheckAtStart(const QString& iniFile) {
 }
 
 CheckResult CheckForUpdates(const Model& m, UpdateTransport& t, const UpdateServer& s,
-                            const BusyPanel& busy) {
+                            const BusyPanel& busy, int limitMs) {
     CheckResult r;
     if (s.host.isEmpty()) return r;
+    const QDeadlineTimer deadline(limitMs);
     Show(busy, "PINGe Server...");
-    r.detail = t.Ping(s.host, s.port, kPingTimeoutMs);
+    r.detail = t.Ping(s.host, s.port, std::min(kPingTimeoutMs, std::max(1, Left(deadline))));
     if (!r.detail.isEmpty()) {
         Hide(busy);
         r.outcome = CheckOutcome::Unreachable;
@@ -84,7 +113,10 @@ CheckResult CheckForUpdates(const Model& m, UpdateTransport& t, const UpdateServ
     Show(busy, "Suche nach Updates...");
     const QString listFile = m.TmpFolder + QString::fromLatin1(kUpdateListName);
     QFile::remove(listFile);
-    r.detail = t.Download(s.FileUrl(QString::fromLatin1(kUpdateListName)), listFile, TransportTimeouts{});
+    r.detail = deadline.hasExpired()
+                   ? LimitText(limitMs)
+                   : t.Download(s.FileUrl(QString::fromLatin1(kUpdateListName)), listFile,
+                                DownloadTimeouts(deadline));
     Hide(busy);
     if (!r.detail.isEmpty()) {
         r.outcome = CheckOutcome::ListFailed;
@@ -94,7 +126,7 @@ CheckResult CheckForUpdates(const Model& m, UpdateTransport& t, const UpdateServ
         r.outcome = CheckOutcome::NoList;
         return r;
     }
-    r.entries = ParseUpdateList(FromCp1252(ReadWholeFile(listFile)));
+    r.entries = ParseUpdateList(FromCp1252(ReadWholeFile(listFile)), r.refused);
     QFile::remove(listFile);
     r.offered = OfferedEntries(r.entries, m.IniPath);
     r.outcome = r.offered.empty() ? CheckOutcome::NoUpdates : CheckOutcome::Offered;
@@ -108,6 +140,12 @@ ProgramTarget RunningProgram() {
     p.runningVersion = RunningVersionNumber();
     p.folderWritable = FolderWritable(QFileInfo(p.executablePath).absolutePath());
     return p;
+}
+
+QString CopyFailedText(const QString& name, const QString& target, const QString& cause) {
+    return QStringLiteral("Die Datei %1 kann nicht nach %2 kopiert werden:\r\n%3\r\n\r\n"
+                          "Sie ist nicht installiert und wird wieder angeboten.")
+        .arg(name, target, cause);
 }
 
 QString FileMd5(const QString& path, Dialogs& d) {
@@ -134,8 +172,9 @@ QString FileMd5(const QString& path, Dialogs& d) {
 
 InstallResult InstallUpdates(Model& m, Dialogs& d, UpdateTransport& t, const UpdateServer& s,
                              const std::vector<UpdateEntry>& entries, const std::vector<UpdateBox>& boxes,
-                             const ProgramTarget& program, const BusyPanel& busy) {
+                             const ProgramTarget& program, const BusyPanel& busy, int limitMs) {
     InstallResult r;
+    const QDeadlineTimer deadline(limitMs);
     if (entries.empty() || boxes.empty()) {
         d.MsgBox(T(kTxtKeineDateien), Msg::Information);
         r.outcome = InstallOutcome::NothingListed;
@@ -150,7 +189,7 @@ InstallResult InstallUpdates(Model& m, Dialogs& d, UpdateTransport& t, const Upd
         return r;
     }
     Show(busy, "PINGe Server...");
-    if (!t.Ping(s.host, s.port, kPingTimeoutMs).isEmpty()) {
+    if (!t.Ping(s.host, s.port, std::min(kPingTimeoutMs, std::max(1, Left(deadline)))).isEmpty()) {
         Hide(busy);
         d.MsgBox(T(kTxtServerNichtErreichbar), Msg::Critical);
         r.outcome = InstallOutcome::Unreachable;
@@ -163,6 +202,15 @@ InstallResult InstallUpdates(Model& m, Dialogs& d, UpdateTransport& t, const Upd
         if (box.entry < 0 || size_t(box.entry) >= entries.size()) continue;
         const UpdateEntry& e = entries[size_t(box.entry)];
         const QString name = e.Name.trimmed();
+        const QString refusedWhy = RefusedNameReason(name);
+        if (!refusedWhy.isEmpty()) { // never a path: the name stays inside Tmp/ and DataFolder
+            if (box.ticked) {
+                Hide(busy);
+                d.MsgBox(QStringLiteral("%1 wird nicht installiert:\r\n%2").arg(name, refusedWhy), Msg::Exclamation);
+                r.refused << name;
+            }
+            continue;
+        }
         const QString tmp = m.TmpFolder + name;
         QFile::remove(tmp);
         if (!box.ticked) continue;
@@ -183,10 +231,14 @@ InstallResult InstallUpdates(Model& m, Dialogs& d, UpdateTransport& t, const Upd
             r.skipped << name;
             continue;
         }
-        if (!t.Download(s.FileUrl(name), tmp, TransportTimeouts{}).isEmpty()) {
+        const QString failure = deadline.hasExpired()
+                                    ? LimitText(limitMs)
+                                    : t.Download(s.FileUrl(name), tmp, DownloadTimeouts(deadline));
+        if (!failure.isEmpty()) {
             Hide(busy);
             d.MsgBox(T(kTxtDownloadFehler), Msg::Critical);
             ++r.failedDownloads;
+            r.failures << name + QStringLiteral(": ") + failure;
             continue;
         }
         if (FileMd5(tmp, d) != e.Md5.toUpper()) {
@@ -195,8 +247,18 @@ InstallResult InstallUpdates(Model& m, Dialogs& d, UpdateTransport& t, const Upd
             r.outcome = InstallOutcome::Md5Mismatch;
             return r;
         }
-        if (CopyFileTo(tmp, m.DataFolder + name, true)) QFile::remove(tmp);
+        const QString target = m.DataFolder + (isProgram ? name : DataFileName(name));
+        const QString copyError = CopyIntoDataFolder(tmp, target);
+        if (!copyError.isEmpty()) {
+            Hide(busy);
+            d.MsgBox(CopyFailedText(name, target, copyError), Msg::Critical);
+            ++r.failedCopies;
+            r.failures << name + QStringLiteral(": ") + copyError;
+            continue;
+        }
+        QFile::remove(tmp);
         NoteInstalledVersion(m.IniPath, name, e.Version);
+        ForgetShippedCopy(m, QFileInfo(target).fileName());
         r.installedNames << name;
         if (isProgram) {
             if (e.Version > program.runningVersion) {
@@ -205,7 +267,7 @@ InstallResult InstallUpdates(Model& m, Dialogs& d, UpdateTransport& t, const Upd
                 d.MsgBox(T(kTxtNeustart), Msg::Information);
                 r.outcome = InstallOutcome::Restart;
                 // The file as it now lies in DataFolder (names differ in case only on Windows).
-                r.restartSource = m.DataFolder + name;
+                r.restartSource = target;
                 r.restartTarget = program.executablePath;
                 return r;
             }

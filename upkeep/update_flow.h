@@ -1,16 +1,23 @@
 // The update's check and install, for the update window and the command line.
 //
 // Check: ping the server, fetch KOLBOUpd.txt into Tmp/ (bypassing caches), parse it,
-// delete it, and compare with the versions in the settings. Install: for each ticked
-// box, fetch the file into Tmp/, check its MD5 against the list (a mismatch stops
-// everything; that file never reaches DataFolder), copy it to DataFolder, note its
-// version; a newer program ends in a restart request the caller carries out.
+// delete it, and compare with the versions in the settings. Lines that count but are
+// refused (malformed, or a file name that is not a plain name of UpdatableFiles()) come
+// back with their reasons; the caller names them. Install: for each ticked box, fetch
+// the file into Tmp/, check its MD5 against the list (a mismatch stops everything; that
+// file never reaches DataFolder), copy it to DataFolder, note its version; a newer
+// program ends in a restart request the caller carries out. A copy that fails is told
+// with its cause and not noted, so the file is offered again. Both run within an
+// overall time limit (kCheckLimitMs, kInstallLimitMs): a server that accepts and never
+// answers ends the step at the limit as a failed download.
 //
 // Settings, section [Update]: Server (host or host:port; empty: no update server, so no
 // check at start and a German note in the menu way), Pfad (the folder of the list on
 // the server, default kDefaultUpdatePath), BeimStart (0 switches the check at start off).
 //
-// Window (or main) thread; blocking within the transport's timeouts. All failures are
+// Window (or main) thread; blocking within the time limits. The windows hand in a
+// transport that runs each network call on a worker thread while the window's events
+// go on (upkeep/beside_transport.h). All failures are
 // shown through the Dialogs given with the program's messages and the flow goes on as
 // the update does; nothing throws.
 #pragma once
@@ -32,6 +39,9 @@ inline const char* const kDefaultUpdatePath = "/export/radkl/download/ZEFT/kolib
 inline constexpr int kDefaultUpdatePort = 80;
 // The check at start must not hold a start without network up for long.
 inline constexpr int kPingTimeoutMs = 1000;
+// The whole check (ping and list) and the whole install (ping and every download).
+inline constexpr int kCheckLimitMs = 15000;
+inline constexpr int kInstallLimitMs = 600000;
 
 // The program's messages.
 inline const char* const kTxtServerNichtErreichbar = "Server nicht erreichbar!";
@@ -70,6 +80,7 @@ struct CheckResult {
     std::vector<UpdateEntry> entries;
     std::vector<int> offered; // indices into entries, list order
     QString detail;           // the transport's text on a failure
+    std::vector<RefusedLine> refused; // lines of the list that are not used
 };
 
 // The busy panel of the window (Picture10 with Label22); the command line leaves it empty.
@@ -80,7 +91,7 @@ struct BusyPanel {
 
 // Steps of the check without the window's messages: the caller tells them by its way.
 CheckResult CheckForUpdates(const Model& m, UpdateTransport& t, const UpdateServer& s,
-                            const BusyPanel& busy = {});
+                            const BusyPanel& busy = {}, int limitMs = kCheckLimitMs);
 
 // The program as the install sees it.
 struct ProgramTarget {
@@ -103,6 +114,9 @@ struct InstallResult {
     InstallOutcome outcome = InstallOutcome::Done;
     bool installed = false; // the flag for installed updates
     int failedDownloads = 0;
+    int failedCopies = 0;   // downloaded and checked, but not copied into DataFolder
+    QStringList refused;    // names that are no plain name of UpdatableFiles()
+    QStringList failures;   // "name: cause" of each failed download or copy
     QStringList installedNames;
     QStringList skipped; // entries left out (the program in a system folder or on the command line)
     QString restartSource;
@@ -111,7 +125,11 @@ struct InstallResult {
 
 InstallResult InstallUpdates(Model& m, Dialogs& d, UpdateTransport& t, const UpdateServer& s,
                              const std::vector<UpdateEntry>& entries, const std::vector<UpdateBox>& boxes,
-                             const ProgramTarget& program, const BusyPanel& busy = {});
+                             const ProgramTarget& program, const BusyPanel& busy = {},
+                             int limitMs = kInstallLimitMs);
+
+// The message of a copy into DataFolder that failed, with its cause.
+QString CopyFailedText(const QString& name, const QString& target, const QString& cause);
 
 // MD5 of a file in upper-case hex, with the update's messages: "-1" when the file is
 // missing.

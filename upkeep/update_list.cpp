@@ -41,31 +41,103 @@ bool IsListLine(const QString& line) {
     return first != QLatin1Char(';') && first != QLatin1Char(':') && first != QLatin1Char('\'');
 }
 
-bool ParseListLine(const QString& line, UpdateEntry& entry) {
-    if (!IsListLine(line)) return false;
+namespace {
+
+// Why a counting line is no entry; empty when entry has been filled.
+QString EntryProblem(const QString& line, UpdateEntry& entry) {
     const QStringList f = line.split(QLatin1Char('|'));
-    if (f.size() < 5) return false;
+    if (f.size() < 5) return QStringLiteral("Die Zeile hat weniger als fünf Felder.");
     UpdateEntry e;
     e.Name = f[0];
-    if (e.Name.trimmed().isEmpty()) return false;
-    if (!ParseCount(f[1], e.Version)) return false;
+    if (e.Name.trimmed().isEmpty()) return QStringLiteral("Der Dateiname fehlt.");
+    if (!ParseCount(f[1], e.Version)) return QStringLiteral("Die Version ist keine ganze Zahl.");
     e.Datum = f[2];
-    if (!ParseCount(f[3], e.Size)) return false;
-    if (!IsMd5(f[4])) return false;
+    if (!ParseCount(f[3], e.Size)) return QStringLiteral("Die Größe ist keine ganze Zahl.");
+    if (!IsMd5(f[4])) return QStringLiteral("Die Prüfsumme (MD5) hat nicht 32 Hexadezimalziffern.");
     e.Md5 = f[4].trimmed();
     if (f.size() > 5) e.Info = f.mid(5).join(QLatin1Char('|'));
+    const QString name = RefusedNameReason(e.Name);
+    if (!name.isEmpty()) return name;
     entry = e;
-    return true;
+    return {};
+}
+
+bool IsControl(QChar c) {
+    return c.unicode() < 0x20 || (c.unicode() >= 0x7f && c.unicode() < 0xa0);
+}
+
+QString Visible(const QString& line) {
+    QString out;
+    for (QChar c : line)
+        out += IsControl(c) ? QStringLiteral("<0x%1>").arg(c.unicode(), 2, 16, QLatin1Char('0')) : QString(c);
+    return out;
+}
+
+} // namespace
+
+QStringList UpdatableFiles() {
+    return {QStringLiteral("bez_koord.txt"), QStringLiteral("BZ_Karte.gif"), QStringLiteral("KOLBOHilfe.pdf"),
+            QStringLiteral("OeCallList.txt"), QString::fromLatin1(kProgramUpdateName)};
+}
+
+QString RefusedNameReason(const QString& raw) {
+    const QString name = raw.trimmed();
+    for (QChar c : name)
+        if (IsControl(c)) return QStringLiteral("Der Dateiname enthält ein Steuerzeichen.");
+    if (name.contains(QLatin1Char('/')) || name.contains(QLatin1Char('\\')))
+        return QStringLiteral("Der Dateiname enthält einen Ordner (\"/\" oder \"\\\").");
+    if (name.contains(QStringLiteral(".."))) return QStringLiteral("Der Dateiname enthält \"..\".");
+    if (name.startsWith(QLatin1Char('.'))) return QStringLiteral("Der Dateiname beginnt mit einem Punkt.");
+    for (const QString& allowed : UpdatableFiles())
+        if (name.compare(allowed, Qt::CaseInsensitive) == 0) return {};
+    return QStringLiteral("%1 gehört nicht zu den Dateien, die ein Update ersetzen darf.").arg(name);
+}
+
+QString DataFileName(const QString& raw) {
+    const QString name = raw.trimmed();
+    for (const QString& allowed : UpdatableFiles())
+        if (name.compare(allowed, Qt::CaseInsensitive) == 0 && allowed != QLatin1String(kProgramUpdateName))
+            return allowed;
+    return name;
+}
+
+QString RefusedLineReason(const QString& line) {
+    UpdateEntry e;
+    return EntryProblem(line, e);
+}
+
+bool ParseListLine(const QString& line, UpdateEntry& entry) {
+    if (!IsListLine(line)) return false;
+    return EntryProblem(line, entry).isEmpty();
+}
+
+std::vector<UpdateEntry> ParseUpdateList(const QString& text, std::vector<RefusedLine>& refused) {
+    std::vector<UpdateEntry> out;
+    static const QRegularExpression lineEnd(QStringLiteral("\r\n|\n|\r"));
+    int number = 0;
+    for (const QString& line : text.split(lineEnd)) {
+        ++number;
+        if (!IsListLine(line)) continue;
+        UpdateEntry e;
+        const QString problem = EntryProblem(line, e);
+        if (problem.isEmpty())
+            out.push_back(std::move(e));
+        else
+            refused.push_back({number, Visible(line), problem});
+    }
+    return out;
 }
 
 std::vector<UpdateEntry> ParseUpdateList(const QString& text) {
-    std::vector<UpdateEntry> out;
-    static const QRegularExpression lineEnd(QStringLiteral("\r\n|\n|\r"));
-    for (const QString& line : text.split(lineEnd)) {
-        UpdateEntry e;
-        if (ParseListLine(line, e)) out.push_back(std::move(e));
-    }
-    return out;
+    std::vector<RefusedLine> refused;
+    return ParseUpdateList(text, refused);
+}
+
+QString RefusedLinesText(const std::vector<RefusedLine>& refused) {
+    QString text = QStringLiteral("Diese Zeilen der Update-Liste werden nicht verwendet:");
+    for (const RefusedLine& r : refused)
+        text += QStringLiteral("\r\n\r\nZeile %1: %2\r\n%3").arg(r.number).arg(r.text, r.reason);
+    return text;
 }
 
 int InstalledVersion(const QString& iniFile, const QString& name) {
@@ -117,7 +189,9 @@ int RunningVersionNumber() {
 }
 
 bool IsProgramEntry(const UpdateEntry& e, const QString& executableName) {
-    return e.Name.trimmed().toUpper() == executableName.toUpper() + QStringLiteral(".BIN");
+    const QString name = e.Name.trimmed().toUpper();
+    return name == executableName.toUpper() + QStringLiteral(".BIN") ||
+           name == QString::fromLatin1(kProgramUpdateName).toUpper();
 }
 
 } // namespace kolibrino::upkeep

@@ -3,8 +3,9 @@
 // cache. The program's shared HTTP layer (libcurl) stands behind it as
 // HttpUpdateTransport (upkeep/http_update_transport.h).
 //
-// Called by the update flow on the window thread; both calls block for at most their
-// timeouts (the name look-up included). Both return the empty text on success, else a
+// Called by the update flow; both calls block the calling thread for at most their
+// timeouts (the name look-up included). The windows run them on a worker thread
+// (upkeep/beside_transport.h), the command line on its main thread. Both return the empty text on success, else a
 // German description of what failed. Nothing throws.
 #pragma once
 
@@ -16,6 +17,7 @@ namespace kolibrino::upkeep {
 struct TransportTimeouts {
     int connectMs = 1500; // name look-up and TCP connect together
     int idleMs = 10000;   // longest silence while a download runs
+    int totalMs = 0;      // > 0: the whole download, from the look-up to the last byte
 };
 
 class UpdateTransport {

@@ -188,8 +188,9 @@ void UpdateWindow::Command1Click() {
     CheckResult c;
     {
         BusyScope wait(d_);
-        c = CheckForUpdates(m_, t_, server_, busy);
+        c = CheckForUpdates(m_, t_, server_, busy, checkLimitMs);
     }
+    if (!c.refused.empty()) d_.MsgBox(RefusedLinesText(c.refused), Msg::Exclamation);
     switch (c.outcome) {
     case CheckOutcome::NoServer:
     case CheckOutcome::Unreachable:
@@ -235,7 +236,7 @@ void UpdateWindow::Command2Click() {
     for (QCheckBox* b : Boxes())
         boxes.push_back({b->property("tag").toInt(), b->isChecked()});
     BusyPanel busy{[this](const QString& s) { ShowBusy(s); }, [this] { HideBusy(); }};
-    const InstallResult r = InstallUpdates(m_, d_, t_, server_, entries_, boxes, program_, busy);
+    const InstallResult r = InstallUpdates(m_, d_, t_, server_, entries_, boxes, program_, busy, installLimitMs);
     installed_ = installed_ || r.installed;
     switch (r.outcome) {
     case InstallOutcome::Md5Mismatch:

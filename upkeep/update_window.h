@@ -3,12 +3,14 @@
 //
 // Made by InstallUpkeep (upkeep_install.h) for the splash way, before the main window
 // is up, and for the menu way; shown modally. Activation presses Command1 by program.
-// GUI thread only; network calls block behind the busy panel within their timeouts.
+// GUI thread only; network calls run on a worker thread (BesideTransport) while the
+// splash or the busy panel keeps painting, within the update's time limits.
 // Failures are the program's messages through the Dialogs given; nothing throws.
 #pragma once
 
 #include "core/dialogs.h"
 #include "core/log_model.h"
+#include "upkeep/beside_transport.h"
 #include "upkeep/update_flow.h"
 
 #include <QDialog>
@@ -43,6 +45,9 @@ public:
 
     // How long the splash stays readable before the list is shown.
     int splashPauseMs = 2500;
+    // The overall time limits of the check and the install.
+    int checkLimitMs = kCheckLimitMs;
+    int installLimitMs = kInstallLimitMs;
     // Ends the process after the replacement script has started. Default: _exit(0).
     std::function<void()> endProcess;
 
@@ -59,7 +64,7 @@ private:
 
     Model& m_;
     Dialogs& d_;
-    UpdateTransport& t_;
+    BesideTransport t_;
     UpdateServer server_;
     ProgramTarget program_;
     bool splashWay_;

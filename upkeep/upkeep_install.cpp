@@ -1,6 +1,7 @@
 #include "upkeep/upkeep_install.h"
 
 #include "entry/main_window.h"
+#include "export/busy_panel.h"
 #include "setup/modal.h"
 #include "upkeep/http_update_transport.h"
 #include "upkeep/info_window.h"
@@ -12,6 +13,7 @@
 namespace kolibrino::upkeep {
 
 bool RunUpdateWindow(QWidget* parent, Model& m, Dialogs& dialogs, UpdateTransport& t, bool splashWay) {
+    exporting::NetworkJob job; // a reminder that comes meanwhile waits until the window has closed
     UpdateWindow w(m, dialogs, t, ReadUpdateServer(m.IniPath), RunningProgram(), splashWay, parent);
     setup::ExecModal(w);
     return w.UpdatesInstalled();
