@@ -67,7 +67,12 @@ private slots:
             for (const char* sub : {"Logs", "Sicherung", "Tmp"})
                 QVERIFY(QFileInfo(home + QLatin1Char('/') + QLatin1String(sub)).isDir());
             QVERIFY(QFile::exists(home + QStringLiteral("/bez_koord.txt")));
-            QVERIFY(!QFile::exists(m.IniPath));
+            // Nothing is set yet: the settings hold only the record of the shipped copies.
+            QList<QByteArray> sections;
+            for (const QByteArray& line : ReadBytes(m.IniPath).split('\n'))
+                if (line.startsWith('[')) sections << line;
+            QCOMPARE(sections.size(), 1);
+            QCOMPARE(sections[0].trimmed().toUpper(), QByteArray("[AUSGELIEFERT]"));
 
             HauptForm w(m, d, clock);
             InstallLogSetup(w, m, d, clock);
