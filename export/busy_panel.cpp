@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWidget>
 #include <thread>
 #include <vector>
 
@@ -83,7 +84,8 @@ bool BusyPanel::Run(const std::function<void()>& work, long limitMs, std::atomic
         p.command1->setEnabled(true);
         p.command1->show();
     }
-    const QDeadlineTimer deadline(limitMs > 0 ? limitMs : QDeadlineTimer::Forever);
+    const QDeadlineTimer deadline =
+        limitMs > 0 ? QDeadlineTimer(qint64(limitMs)) : QDeadlineTimer(QDeadlineTimer::Forever);
     QTimer tick;
     if (limitMs > 0) {
         p.label23->setText(CountdownText(deadline.remainingTime()));
@@ -152,7 +154,10 @@ NetworkJob::~NetworkJob() {
         if (!w.context) continue;
         // After the job's own stack has unwound, so the action starts on a clean slate.
         QTimer::singleShot(0, w.context.data(), [context = w.context, key = w.key, action = w.action] {
-            if (context) RunWhenIdle(context.data(), key, action);
+            // A window that has closed meanwhile (the program ends after an update) asks nothing.
+            const auto* window = qobject_cast<const QWidget*>(context.data());
+            if (!context || (window && !window->isVisible())) return;
+            RunWhenIdle(context.data(), key, action);
         });
     }
 }
