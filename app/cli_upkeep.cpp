@@ -57,7 +57,8 @@ int RunUpdateCli(const QStringList& args) {
     const bool refused = !check.refused.empty();
     if (refused) {
         QString text = RefusedLinesText(check.refused);
-        std::fprintf(stderr, "%s\n", text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).toLocal8Bit().constData());
+        std::fprintf(stderr, "%s\n",
+                     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).toLocal8Bit().constData());
     }
     switch (check.outcome) {
     case CheckOutcome::NoServer:
@@ -95,8 +96,8 @@ int RunUpdateCli(const QStringList& args) {
                      name.toLocal8Bit().constData());
     for (const QString& failure : r.failures)
         std::fprintf(stderr, "%s\n", failure.toLocal8Bit().constData());
-    const bool complete = r.outcome == InstallOutcome::Done && r.failedDownloads == 0 && r.failedCopies == 0 &&
-                          r.refused.isEmpty();
+    const bool complete = r.outcome == InstallOutcome::Done && r.failedDownloads == 0 &&
+                          r.failedCopies == 0 && r.refused.isEmpty();
     return complete && !refused ? 0 : 1;
 }
 

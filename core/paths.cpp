@@ -88,7 +88,8 @@ namespace {
 QString Md5Of(const QString& path) {
     bool ok = false;
     const QByteArray bytes = ReadWholeFile(path, &ok);
-    return ok ? QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex()).toUpper()
+    return ok ? QString::fromLatin1(QCryptographicHash::hash(bytes, QCryptographicHash::Md5).toHex())
+                    .toUpper()
               : QString();
 }
 

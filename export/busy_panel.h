@@ -13,8 +13,9 @@
 //
 // NetworkJob marks a job as running for its lifetime. RunWhenIdle() runs an action at
 // once when no job runs, else after the running job has ended (once per key; dropped
-// when the context object is gone, or is a window that has closed meanwhile); so a reminder that comes during an upload waits
-// until the upload has ended, and no job ever starts inside another.
+// when the context object is gone, or is a window that has closed meanwhile); so a
+// reminder that comes during an upload waits until the upload has ended, and no job
+// ever starts inside another.
 //
 // GUI thread only. work must not touch windows or the model; it must not throw.
 #pragma once

@@ -195,7 +195,9 @@ private:
         timeouts.cancel = &cancel;
         panel.Show(QStringLiteral("LOG-Hochladen..."));
         const bool finished = panel.Run(
-            [&] { sent = net::HttpUploadFile(server, QString::fromLatin1(kUploadPath), file, reply, timeouts); },
+            [&] {
+                sent = net::HttpUploadFile(server, QString::fromLatin1(kUploadPath), file, reply, timeouts);
+            },
             timeouts.transferMs, &cancel);
         if (!finished) return Cancelled(panel);
         panel.Hide();

@@ -189,8 +189,9 @@ QString CancelledText() {
 QString UploadFailedPlainText(const QString& file, const QString& mails, const QString& cause) {
     return QStringLiteral("Das Hochladen des Logs ist fehlgeschlagen.\n") +
            (cause.isEmpty() ? QString() : cause + QLatin1Char('\n')) +
-           QStringLiteral("Die Datei liegt unter ") + file + QStringLiteral("\nBitte später nochmals "
-                                                                          "versuchen oder sie an ") +
+           QStringLiteral("Die Datei liegt unter ") + file +
+           QStringLiteral("\nBitte später nochmals "
+                          "versuchen oder sie an ") +
            (mails.isEmpty() ? QStringLiteral("den Contest-Manager") : mails) + QStringLiteral(" senden.");
 }
 

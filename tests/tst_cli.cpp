@@ -91,7 +91,8 @@ private slots:
         const Result r = Run({QStringLiteral("upload"), log, QStringLiteral("--server"), server.Host()});
         QCOMPARE(r.code, 1);
         const QString err = QString::fromUtf8(r.err);
-        QVERIFY2(err.startsWith(QStringLiteral("Das Hochladen des Logs ist fehlgeschlagen.\n")), qPrintable(err));
+        QVERIFY2(err.startsWith(QStringLiteral("Das Hochladen des Logs ist fehlgeschlagen.\n")),
+                 qPrintable(err));
         QVERIFY2(!err.contains(QStringLiteral("Möchtest du")), qPrintable(err));
         QVERIFY(!err.contains(QLatin1Char('?')));
         QVERIFY(err.contains(log));
@@ -101,15 +102,16 @@ private slots:
     void refusedUpdateListLinesAreNamedWithTheirReasonAndNeverSucceed() {
         UpdateServerProcess server;
         const QByteArray kBez = "WI;500;200;Wien;1;\r\nGZ;420;420;Graz;6;\r\n";
-        server.WriteList(QStringLiteral("; Kolibrino\r\n") + server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
+        server.WriteList(QStringLiteral("; Kolibrino\r\n") +
+                         server.Publish(QStringLiteral("bez_koord.txt"), kBez, 6) +
                          server.Publish(QStringLiteral("../Logs/test.KOLBO"), "x", 2) +
                          QStringLiteral("OeCallList.txt|zwei|01052026|3|%1|kaputt\r\n").arg(Md5Hex("abc")) +
                          server.Publish(QStringLiteral(".hidden"), "x", 2));
         const QString log = home->path() + QStringLiteral("/Logs/test.KOLBO");
         WriteBytes(log, "mein Log");
         for (const char* mode : {"--check", "--install"}) {
-            const Result r = Run({QStringLiteral("update"), QString::fromLatin1(mode), QStringLiteral("--server"),
-                                  server.HostPort()});
+            const Result r = Run({QStringLiteral("update"), QString::fromLatin1(mode),
+                                  QStringLiteral("--server"), server.HostPort()});
             QCOMPARE(r.code, 1);
             const QString err = QString::fromUtf8(r.err);
             QVERIFY2(err.contains(QStringLiteral("Zeile 3: ../Logs/test.KOLBO|")), qPrintable(err));
@@ -119,7 +121,8 @@ private slots:
             QVERIFY(err.contains(QStringLiteral("Zeile 5: .hidden|")));
             QVERIFY(err.contains(QStringLiteral("Der Dateiname beginnt mit einem Punkt.")));
         }
-        QCOMPARE(ReadBytes(home->path() + QStringLiteral("/bez_koord.txt")), kBez); // the good line is installed
+        QCOMPARE(ReadBytes(home->path() + QStringLiteral("/bez_koord.txt")),
+                 kBez); // the good line is installed
         QCOMPARE(ReadBytes(log), QByteArray("mein Log"));
     }
 

@@ -11,8 +11,8 @@
 
 #include <QAction>
 #include <QDialog>
-#include <QLabel>
 #include <QElapsedTimer>
+#include <QLabel>
 #include <QProcess>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -175,12 +175,14 @@ private slots:
         probe.start(20);
         Trigger("MnLogEinsenden");
         probe.stop();
-        QCOMPARE(seen, (QStringList{QStringLiteral("Cabrillo erzeugen..."), QStringLiteral("LOG-Hochladen...")}));
+        QCOMPARE(seen,
+                 (QStringList{QStringLiteral("Cabrillo erzeugen..."), QStringLiteral("LOG-Hochladen...")}));
     }
     void pingRunsUnderTheCabrilloTextAfterTheFileIsWritten() {
         test::SilentHost host; // connections never complete: the ping waits its full time
         host.Fill();
-        f->Ini(QStringLiteral("Server"), QStringLiteral("LogServer"), QStringLiteral("127.0.0.1:%1").arg(host.port));
+        f->Ini(QStringLiteral("Server"), QStringLiteral("LogServer"),
+               QStringLiteral("127.0.0.1:%1").arg(host.port));
         QVERIFY(Start(SomeContacts(2)));
         f->dialogs.AnswerMsgBox(Msg::Yes);
         QStringList duringPing;
@@ -194,7 +196,8 @@ private slots:
         QVERIFY(!duringPing.isEmpty());
         QCOMPARE(duringPing.first(), QStringLiteral("Cabrillo erzeugen..."));
         QCOMPARE(duringPing.last(), QStringLiteral("Cabrillo erzeugen..."));
-        QCOMPARE(f->dialogs.LastBox()->text, QStringLiteral("Einsenden abgebrochen!\nServer nicht erreichbar!"));
+        QCOMPARE(f->dialogs.LastBox()->text,
+                 QStringLiteral("Einsenden abgebrochen!\nServer nicht erreichbar!"));
     }
     // "Abbrechen" on the panel of a stalled upload ends it at once: nothing is reported
     // as sent, the log keeps its bytes; the panel counts down the time it still waits.
@@ -227,7 +230,9 @@ private slots:
         const qint64 took = clock.elapsed();
         probe.stop();
         QVERIFY(clicked);
-        QVERIFY2(QRegularExpression(QStringLiteral("^Wartet noch höchstens 1[0-2]\\d s$")).match(countdown).hasMatch(),
+        QVERIFY2(QRegularExpression(QStringLiteral("^Wartet noch höchstens 1[0-2]\\d s$"))
+                     .match(countdown)
+                     .hasMatch(),
                  qPrintable(countdown));
         QVERIFY2(took < 60000, qPrintable(QString::number(took))); // far below the 120 s of the transfer
         QCOMPARE(f->dialogs.LastBox()->text, CancelledText());
@@ -267,7 +272,8 @@ private slots:
         // Then the reminder shows.
         QTRY_COMPARE_WITH_TIMEOUT(f->dialogs.boxes.size(), 3, 5000);
         probe.stop();
-        QVERIFY(f->dialogs.boxes[2].text.endsWith(QStringLiteral("Soll das aktuelle Log jetzt eingesendet werden?")));
+        QVERIFY(f->dialogs.boxes[2].text.endsWith(
+            QStringLiteral("Soll das aktuelle Log jetzt eingesendet werden?")));
         QTest::qWait(300);
         QCOMPARE(f->dialogs.boxes.size(), 3);
     }

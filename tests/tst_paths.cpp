@@ -80,17 +80,20 @@ private slots:
         WriteBytes(m.DataFolder + QStringLiteral("BZ_Karte.gif"), "GIF89a eigen");
         WriteBytes(m.DataFolder + QStringLiteral("KOLBOHilfe.pdf"), "%PDF vom Update");
         ForgetShippedCopy(m, QStringLiteral("KOLBOHilfe.pdf"));
-        IniWrite(m.IniPath, QString::fromLatin1(kSectionShipped), QStringLiteral("OeCallList.txt"), QString());
+        IniWrite(m.IniPath, QString::fromLatin1(kSectionShipped), QStringLiteral("OeCallList.txt"),
+                 QString());
         QVERIFY(CopyShippedData(m).isEmpty()); // adopts the unchanged call list
         // The package is upgraded.
         ship("bez_koord.txt", "WI;1;1;Wien;1;\r\nGZ;2;2;Graz;6;\r\n");
         ship("BZ_Karte.gif", "GIF89a neu");
         ship("KOLBOHilfe.pdf", "%PDF neu");
         ship("OeCallList.txt", "OE1A;Anna\r\nOE3B;Berta\r\n");
-        QCOMPARE(CopyShippedData(m), (QStringList{QStringLiteral("bez_koord.txt"), QStringLiteral("OeCallList.txt")}));
+        QCOMPARE(CopyShippedData(m),
+                 (QStringList{QStringLiteral("bez_koord.txt"), QStringLiteral("OeCallList.txt")}));
         QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("bez_koord.txt")),
                  QByteArray("WI;1;1;Wien;1;\r\nGZ;2;2;Graz;6;\r\n"));
-        QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("OeCallList.txt")), QByteArray("OE1A;Anna\r\nOE3B;Berta\r\n"));
+        QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("OeCallList.txt")),
+                 QByteArray("OE1A;Anna\r\nOE3B;Berta\r\n"));
         QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("BZ_Karte.gif")), QByteArray("GIF89a eigen"));
         QCOMPARE(ReadBytes(m.DataFolder + QStringLiteral("KOLBOHilfe.pdf")), QByteArray("%PDF vom Update"));
         // And the refreshed copy is refreshed again by the next upgrade.

@@ -405,9 +405,12 @@ private slots:
         test::WriteBytes(log, "[MYCALL:6]OE1XYZ\r\n");
         IniWrite({}, QStringLiteral("Station"), QStringLiteral("Call"), QStringLiteral("OE1XYZ"));
         const QByteArray evil = "vom Server\r\n";
-        const QStringList hostile = {QStringLiteral("../Logs/test.KOLBO"), QStringLiteral("../../x"),
-                                     QStringLiteral(".hidden"),          QStringLiteral("a/b"),
-                                     QStringLiteral("bez\x01koord.txt"), QStringLiteral("test.KOLBO"),
+        const QStringList hostile = {QStringLiteral("../Logs/test.KOLBO"),
+                                     QStringLiteral("../../x"),
+                                     QStringLiteral(".hidden"),
+                                     QStringLiteral("a/b"),
+                                     QStringLiteral("bez\x01koord.txt"),
+                                     QStringLiteral("test.KOLBO"),
                                      QStringLiteral("kolibrino.INI")};
         // "../../x" from Tmp/ is the data folder's parent (shared with others: noted before).
         const QString outside = QDir(home.dir.path()).absoluteFilePath(QStringLiteral("../x"));
@@ -481,10 +484,12 @@ private slots:
         const QString cause = told.section(QStringLiteral("\r\n"), 1, 1);
         QVERIFY2(!cause.trimmed().isEmpty(), qPrintable(told));
         QCOMPARE(d.boxes.first().flags, int(Msg::Critical));
-        QCOMPARE(Names(CheckForUpdates(home.model, t, server.Server())), QStringList{QStringLiteral("bez_koord.txt")});
+        QCOMPARE(Names(CheckForUpdates(home.model, t, server.Server())),
+                 QStringList{QStringLiteral("bez_koord.txt")});
         // An installed file is no shipped copy any more: a package upgrade leaves it.
-        QCOMPARE(IniReadString(home.model.IniPath, QStringLiteral("Ausgeliefert"), QStringLiteral("BZ_Karte.gif")),
-                 QStringLiteral("0"));
+        QCOMPARE(
+            IniReadString(home.model.IniPath, QStringLiteral("Ausgeliefert"), QStringLiteral("BZ_Karte.gif")),
+            QStringLiteral("0"));
     }
 
     void serverThatAcceptsAndNeverAnswersEndsTheCheckAtItsLimit() {

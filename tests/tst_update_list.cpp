@@ -67,7 +67,8 @@ private slots:
         };
         for (const QString& l : bad)
             QVERIFY2(ParseUpdateList(l).empty(), qPrintable(l));
-        QCOMPARE(ParseUpdateList(QStringLiteral("bez_koord.txt|2147483647|0105|0|%1").arg(kMd5)).size(), size_t(1));
+        QCOMPARE(ParseUpdateList(QStringLiteral("bez_koord.txt|2147483647|0105|0|%1").arg(kMd5)).size(),
+                 size_t(1));
     }
 
     void entryWithSameVersionAsInstalledIsNotOffered() {
@@ -143,16 +144,20 @@ private slots:
         QTest::newRow("sub folder") << QStringLiteral("a/b") << folder;
         QTest::newRow("backslash") << QStringLiteral("..\\kolibrino.INI") << folder;
         QTest::newRow("absolute") << QStringLiteral("/etc/passwd") << folder;
-        QTest::newRow("dots") << QStringLiteral("bez_koord..txt") << QStringLiteral("Der Dateiname enthält \"..\".");
-        QTest::newRow("hidden") << QStringLiteral(".hidden") << QStringLiteral("Der Dateiname beginnt mit einem Punkt.");
+        QTest::newRow("dots") << QStringLiteral("bez_koord..txt")
+                              << QStringLiteral("Der Dateiname enthält \"..\".");
+        QTest::newRow("hidden") << QStringLiteral(".hidden")
+                                << QStringLiteral("Der Dateiname beginnt mit einem Punkt.");
         QTest::newRow("control") << QStringLiteral("bez\x01koord.txt")
                                  << QStringLiteral("Der Dateiname enthält ein Steuerzeichen.");
         QTest::newRow("tab inside") << QStringLiteral("bez\tkoord.txt")
                                     << QStringLiteral("Der Dateiname enthält ein Steuerzeichen.");
-        QTest::newRow("a log") << QStringLiteral("test.KOLBO")
-                               << QStringLiteral("test.KOLBO gehört nicht zu den Dateien, die ein Update ersetzen darf.");
-        QTest::newRow("the settings") << QStringLiteral("kolibrino.INI")
-                                      << QStringLiteral("kolibrino.INI gehört nicht zu den Dateien, die ein Update ersetzen darf.");
+        QTest::newRow("a log")
+            << QStringLiteral("test.KOLBO")
+            << QStringLiteral("test.KOLBO gehört nicht zu den Dateien, die ein Update ersetzen darf.");
+        QTest::newRow("the settings")
+            << QStringLiteral("kolibrino.INI")
+            << QStringLiteral("kolibrino.INI gehört nicht zu den Dateien, die ein Update ersetzen darf.");
     }
     void namesThatLeaveTheFolderOrAreNoShippedFileAreRefusedWithTheirReason() {
         QFETCH(QString, name);
@@ -232,9 +237,10 @@ private slots:
         test::Home home;
         IniWrite(home.model.IniPath, QStringLiteral("bez_koord.txt"), QStringLiteral("Version"), 3);
         QRandomGenerator rng(20260501);
-        const QString base = QStringLiteral("; Kolibrino Updates\r\n") + Line(QStringLiteral("bez_koord.txt"), 4) +
-                             QStringLiteral("\r\n") + Line(QStringLiteral("kolibrino.bin"), 1000001, 800000) +
-                             QStringLiteral("\r\n") + Line(QStringLiteral("OeCallList.txt"), 9, 12);
+        const QString base = QStringLiteral("; Kolibrino Updates\r\n") +
+                             Line(QStringLiteral("bez_koord.txt"), 4) + QStringLiteral("\r\n") +
+                             Line(QStringLiteral("kolibrino.bin"), 1000001, 800000) + QStringLiteral("\r\n") +
+                             Line(QStringLiteral("OeCallList.txt"), 9, 12);
         const QString alphabet = QStringLiteral("|0123456789-+ .;:'\r\nabcdefABCDEFxyzäöü\t");
         int offeredTotal = 0;
         for (int round = 0; round < 5000; ++round) {

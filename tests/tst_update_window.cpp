@@ -152,8 +152,9 @@ private slots:
         QVERIFY2(ticksWhileChecking >= 5, qPrintable(QString::number(ticksWhileChecking)));
         QVERIFY(paintsWhileChecking >= 5);
         QVERIFY2(took < 9000, qPrintable(QString::number(took))); // the download's idle limit alone is 10 s
-        QCOMPARE(Texts(d), QStringList{QStringLiteral("Fehler beim Download: Entweder existiert die URL nicht, "
-                                                      "oder Server nicht erreichbar!")});
+        QCOMPARE(Texts(d),
+                 QStringList{QStringLiteral("Fehler beim Download: Entweder existiert die URL nicht, "
+                                            "oder Server nicht erreichbar!")});
     }
 
     void refusedLinesOfTheListAreNamedInTheWindow() {
@@ -170,7 +171,8 @@ private slots:
         QVERIFY(d.boxes[0].text.contains(QStringLiteral("Der Dateiname enthält einen Ordner")));
         QVERIFY(d.boxes[0].text.contains(QStringLiteral("Zeile 2: kolibrino.INI|3|")));
         QCOMPARE(d.boxes[0].flags, int(Msg::Exclamation));
-        QCOMPARE(d.boxes[1].text, QStringLiteral("Es sind keine neuen Updates verfügbar. Fenster wird geschlossen."));
+        QCOMPARE(d.boxes[1].text,
+                 QStringLiteral("Es sind keine neuen Updates verfügbar. Fenster wird geschlossen."));
     }
 
     void missingListShowsTheListWithTheDownloadMessage() {

@@ -6,8 +6,8 @@
 // answer 200.
 //
 // Any thread (the windows call it from a worker, the command line from its main
-// thread); each call owns its own libcurl handle and blocks within the timeouts given. Failures come back as German texts, as
-// UpdateTransport says; nothing throws.
+// thread); each call owns its own libcurl handle and blocks within the timeouts
+// given. Failures come back as German texts, as UpdateTransport says; nothing throws.
 #pragma once
 
 #include "upkeep/update_transport.h"

@@ -98,8 +98,8 @@ bool CheckAtStart(const QString& iniFile) {
     return v.isEmpty() || ProfileInt(v) != 0;
 }
 
-CheckResult CheckForUpdates(const Model& m, UpdateTransport& t, const UpdateServer& s,
-                            const BusyPanel& busy, int limitMs) {
+CheckResult CheckForUpdates(const Model& m, UpdateTransport& t, const UpdateServer& s, const BusyPanel& busy,
+                            int limitMs) {
     CheckResult r;
     if (s.host.isEmpty()) return r;
     const QDeadlineTimer deadline(limitMs);
@@ -113,10 +113,9 @@ CheckResult CheckForUpdates(const Model& m, UpdateTransport& t, const UpdateServ
     Show(busy, "Suche nach Updates...");
     const QString listFile = m.TmpFolder + QString::fromLatin1(kUpdateListName);
     QFile::remove(listFile);
-    r.detail = deadline.hasExpired()
-                   ? LimitText(limitMs)
-                   : t.Download(s.FileUrl(QString::fromLatin1(kUpdateListName)), listFile,
-                                DownloadTimeouts(deadline));
+    r.detail = deadline.hasExpired() ? LimitText(limitMs)
+                                     : t.Download(s.FileUrl(QString::fromLatin1(kUpdateListName)), listFile,
+                                                  DownloadTimeouts(deadline));
     Hide(busy);
     if (!r.detail.isEmpty()) {
         r.outcome = CheckOutcome::ListFailed;
@@ -206,7 +205,8 @@ InstallResult InstallUpdates(Model& m, Dialogs& d, UpdateTransport& t, const Upd
         if (!refusedWhy.isEmpty()) { // never a path: the name stays inside Tmp/ and DataFolder
             if (box.ticked) {
                 Hide(busy);
-                d.MsgBox(QStringLiteral("%1 wird nicht installiert:\r\n%2").arg(name, refusedWhy), Msg::Exclamation);
+                d.MsgBox(QStringLiteral("%1 wird nicht installiert:\r\n%2").arg(name, refusedWhy),
+                         Msg::Exclamation);
                 r.refused << name;
             }
             continue;

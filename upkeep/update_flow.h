@@ -114,9 +114,9 @@ struct InstallResult {
     InstallOutcome outcome = InstallOutcome::Done;
     bool installed = false; // the flag for installed updates
     int failedDownloads = 0;
-    int failedCopies = 0;   // downloaded and checked, but not copied into DataFolder
-    QStringList refused;    // names that are no plain name of UpdatableFiles()
-    QStringList failures;   // "name: cause" of each failed download or copy
+    int failedCopies = 0; // downloaded and checked, but not copied into DataFolder
+    QStringList refused;  // names that are no plain name of UpdatableFiles()
+    QStringList failures; // "name: cause" of each failed download or copy
     QStringList installedNames;
     QStringList skipped; // entries left out (the program in a system folder or on the command line)
     QString restartSource;

@@ -5,8 +5,8 @@
 //
 // Called by the update flow; both calls block the calling thread for at most their
 // timeouts (the name look-up included). The windows run them on a worker thread
-// (upkeep/beside_transport.h), the command line on its main thread. Both return the empty text on success, else a
-// German description of what failed. Nothing throws.
+// (upkeep/beside_transport.h), the command line on its main thread. Both return the
+// empty text on success, else a German description of what failed. Nothing throws.
 #pragma once
 
 #include <QString>

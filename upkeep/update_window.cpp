@@ -236,7 +236,8 @@ void UpdateWindow::Command2Click() {
     for (QCheckBox* b : Boxes())
         boxes.push_back({b->property("tag").toInt(), b->isChecked()});
     BusyPanel busy{[this](const QString& s) { ShowBusy(s); }, [this] { HideBusy(); }};
-    const InstallResult r = InstallUpdates(m_, d_, t_, server_, entries_, boxes, program_, busy, installLimitMs);
+    const InstallResult r =
+        InstallUpdates(m_, d_, t_, server_, entries_, boxes, program_, busy, installLimitMs);
     installed_ = installed_ || r.installed;
     switch (r.outcome) {
     case InstallOutcome::Md5Mismatch:
