@@ -83,8 +83,10 @@ private slots:
         QVERIFY(text.contains(QStringLiteral("„-00:00h“")));
         // Servers and addresses through their window, and where the INI file lives.
         for (const char* s : {"Log-Server testen", "Update-Server testen", "eMail des Contest-Managers",
-                              "Contestregeln", "~/.local/share/kolibrino/kolibrino.INI"})
+                              "Contestregeln"})
             QVERIFY2(text.contains(QString::fromUtf8(s)), s);
+        // A path may break at a "/" in the PDF's lines.
+        QVERIFY(QString(text).remove(QLatin1Char(' ')).contains(QStringLiteral("~/.local/share/kolibrino/kolibrino.INI")));
         QVERIFY(!text.contains(QStringLiteral("/tmp/")));
     }
 
