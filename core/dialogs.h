@@ -14,6 +14,8 @@
 #include <QStringList>
 #include <optional>
 
+class QPrinter;
+
 namespace kolibrino {
 
 namespace Msg {
@@ -58,6 +60,14 @@ public:
     virtual QString BrowseFolder(const QString& title, const QString& startFolder = {}) = 0;
     // 0x00BBGGRR colour, -1 on cancel.
     virtual int SelectColor(int initial, bool fullOpen) = 0;
+    // The system's print dialog on printer, which comes in with the default printer (or a
+    // PDF file) chosen; the operator's printer, pages, copies or PDF file are set on it.
+    // false: cancelled. Without a print dialog (the command line) nothing is printed.
+    virtual bool PrintDialog(QPrinter& printer, const QString& title) {
+        (void)printer;
+        (void)title;
+        return false;
+    }
     // Hourglass on or off; calls nest.
     virtual void SetBusy(bool busy) = 0;
     virtual void Beep() = 0;

@@ -37,19 +37,29 @@ std::optional<QString> ScriptedDialogs::InputBox(const QString& prompt, const QS
     return std::nullopt;
 }
 
-QString ScriptedDialogs::OpenDialog(const QString&, const QString& title, const QString&) {
+QString ScriptedDialogs::OpenDialog(const QString&, const QString& title, const QString& startFolder) {
     prompts.append(title);
+    startFolders.append(startFolder);
     return pathAnswers_.isEmpty() ? QString() : pathAnswers_.dequeue();
 }
 
-QString ScriptedDialogs::SaveDialog(const QString&, const QString& title, const QString&) {
+QString ScriptedDialogs::SaveDialog(const QString&, const QString& title, const QString& startFolder) {
     prompts.append(title);
+    startFolders.append(startFolder);
     return pathAnswers_.isEmpty() ? QString() : pathAnswers_.dequeue();
 }
 
-QString ScriptedDialogs::BrowseFolder(const QString& title, const QString&) {
+QString ScriptedDialogs::BrowseFolder(const QString& title, const QString& startFolder) {
     prompts.append(title);
+    startFolders.append(startFolder);
     return pathAnswers_.isEmpty() ? QString() : pathAnswers_.dequeue();
+}
+
+bool ScriptedDialogs::PrintDialog(QPrinter& printer, const QString& title) {
+    prompts.append(title);
+    ++printDialogs;
+    if (printAnswers_.isEmpty()) return true;
+    return printAnswers_.dequeue()(printer);
 }
 
 int ScriptedDialogs::SelectColor(int, bool) {

@@ -27,12 +27,18 @@ public:
     void AnswerInput(std::optional<QString> text) { inputAnswers_.enqueue(std::move(text)); }
     void AnswerPath(QString path) { pathAnswers_.enqueue(std::move(path)); }
     void AnswerColor(int color) { colorAnswers_.enqueue(color); }
+    // The print dialog: the answer sets the printer as the operator would (a PDF file,
+    // another printer, pages, copies) and says whether OK (true) or Cancel was pressed.
+    // Unscripted, the dialog is confirmed as it comes up.
+    void AnswerPrint(std::function<bool(QPrinter&)> answer) { printAnswers_.enqueue(std::move(answer)); }
     // Called for each box before it answers; may change what is queued.
     std::function<void(const ShownBox&)> onMsgBox;
 
     // What happened.
     QList<ShownBox> boxes;
     QStringList prompts;
+    QStringList startFolders; // of the file and folder dialogs, in order
+    int printDialogs = 0;
     int beeps = 0;
     int busyDepth = 0;
     int maxBusyDepth = 0;
@@ -51,6 +57,7 @@ public:
     QString SaveDialog(const QString& filter, const QString& title, const QString& startFolder) override;
     QString BrowseFolder(const QString& title, const QString& startFolder) override;
     int SelectColor(int initial, bool fullOpen) override;
+    bool PrintDialog(QPrinter& printer, const QString& title) override;
     void SetBusy(bool busy) override;
     void Beep() override { ++beeps; }
 
@@ -59,6 +66,7 @@ private:
     QQueue<std::optional<QString>> inputAnswers_;
     QQueue<QString> pathAnswers_;
     QQueue<int> colorAnswers_;
+    QQueue<std::function<bool(QPrinter&)>> printAnswers_;
 };
 
 // The answer a box gives when the operator just presses Enter.

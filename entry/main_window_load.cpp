@@ -45,12 +45,20 @@ void RecordVersion() {
 } // namespace
 
 void HauptForm::ChooseLog() {
+    // KOLIBRINO_LOG names a log in Logs/ that opens at once, without the log manager.
+    const QString named = QFileInfo(qEnvironmentVariable("KOLIBRINO_LOG").trimmed()).fileName();
+    if (!named.isEmpty()) {
+        for (const QString& n : {named, named + QLatin1String(kLogExtension)})
+            if (FileExists(m_.LogFolder + n)) {
+                m_.CurrentLogName = n;
+                return;
+            }
+    }
     if (logChooser) {
         logChooser();
         return;
     }
-    QString name = qEnvironmentVariable("KOLIBRINO_LOG");
-    if (name.isEmpty()) name = IniReadString({}, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"));
+    QString name = IniReadString({}, QStringLiteral("Pathe"), QStringLiteral("LastLogFile"));
     name = QFileInfo(name.trimmed()).fileName();
     if (name.isEmpty()) return;
     if (FileExists(m_.LogFolder + name))

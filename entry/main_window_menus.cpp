@@ -117,6 +117,7 @@ void HauptForm::BuildMenus() {
     connect(
         AddItem(einst, QStringLiteral("MnFensterPostOrg"), QStringLiteral("Reset Fenster Pos+Größe"), true),
         &QAction::triggered, this, &HauptForm::MnFensterPostOrg);
+    AddItem(einst, QStringLiteral("MnServerAdressen"), QStringLiteral("Ser&ver und Adressen…"), false);
 
     QMenu* extras = top(QStringLiteral("MnLog"), QStringLiteral("E&xtras"));
     AddItem(extras, QStringLiteral("MnLogExportierenDatumZeit"), QStringLiteral("Log nachträglich &ändern"),
@@ -228,11 +229,21 @@ void HauptForm::MnHilfePDF() {
 }
 
 void HauptForm::MnContestregeln() {
-    OpenInShell(QUrl(RegelnUrl()));
+    const QString url = RegelnUrl();
+    if (url.isEmpty()) {
+        dialogs_.MsgBox(QString::fromUtf8(kKeineRegelnUrl), Msg::Information);
+        return;
+    }
+    OpenInShell(QUrl(url));
 }
 
 void HauptForm::MnEingesendeteLogsAnzeigen() {
-    OpenInShell(QUrl(EingesendeteLogsUrl()));
+    const QString url = EingesendeteLogsUrl();
+    if (url.isEmpty()) {
+        dialogs_.MsgBox(QString::fromUtf8(kKeinLogServer), Msg::Information);
+        return;
+    }
+    OpenInShell(QUrl(url));
 }
 
 void HauptForm::MnLastLogOpen() {

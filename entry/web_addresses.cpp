@@ -5,24 +5,24 @@
 namespace kolibrino {
 namespace {
 
-QString Setting(const char* key, const char* fallback) {
-    const QString v =
-        IniReadString({}, QString::fromLatin1(kSectionServer), QString::fromLatin1(key)).trimmed();
-    return v.isEmpty() ? QString::fromLatin1(fallback) : v;
+QString Setting(const char* key) {
+    return IniReadString({}, QString::fromLatin1(kSectionServer), QString::fromLatin1(key)).trimmed();
 }
 
 } // namespace
 
 QString RegelnUrl() {
-    return Setting("RegelnURL", kDefaultRegelnUrl);
+    return Setting("RegelnURL");
 }
 
 QString LogServerHost() {
-    return Setting("LogServer", kDefaultLogServer);
+    return Setting("LogServer");
 }
 
 QString EingesendeteLogsUrl() {
-    return QStringLiteral("http://") + LogServerHost() + QStringLiteral("/cgi-bin/show.cgi");
+    const QString host = LogServerHost();
+    if (host.isEmpty()) return {};
+    return QStringLiteral("http://") + host + QStringLiteral("/cgi-bin/show.cgi");
 }
 
 } // namespace kolibrino

@@ -1,11 +1,12 @@
 // The web addresses the program opens in the browser, held as settings so that a
 // club can point them elsewhere without a new build.
 //
-//   [Server] RegelnURL  the contest rules page     (default kDefaultRegelnUrl)
-//   [Server] LogServer  host name of the log server (default kDefaultLogServer)
+//   [Server] RegelnURL  the contest rules page
+//   [Server] LogServer  host name of the log server
 //
-// Window thread only (the settings store is not synchronised). Never fails: a missing
-// or empty key gives the default.
+// Both empty by default: the operator sets them in Einstellungen → "Server und
+// Adressen…". Window thread only (the settings store is not synchronised). Never fails:
+// a missing key gives the empty text.
 #pragma once
 
 #include <QString>
@@ -13,12 +14,14 @@
 namespace kolibrino {
 
 inline const char* const kSectionServer = "Server";
-inline const char* const kDefaultRegelnUrl = "https://www.oevsv.at/funkbetrieb/contests/";
-inline const char* const kDefaultLogServer = "contest.oevsv.at";
+inline const char* const kKeineRegelnUrl = "Es ist keine Web-Adresse der Contestregeln eingestellt.\n"
+                                          "Bitte unter Einstellungen → Server und Adressen… eintragen.";
+inline const char* const kKeinLogServer = "Es ist kein Log-Server eingestellt.\n"
+                                         "Bitte unter Einstellungen → Server und Adressen… eintragen.";
 
 QString RegelnUrl();
 QString LogServerHost();
-// "http://" host "/cgi-bin/show.cgi": the list of the logs sent in.
+// "http://" host "/cgi-bin/show.cgi": the list of the logs sent in; empty without a host.
 QString EingesendeteLogsUrl();
 
 } // namespace kolibrino

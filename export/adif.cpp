@@ -1,6 +1,7 @@
 #include "export/adif.h"
 
 #include "core/atomic_file.h"
+#include "core/save_folders.h"
 #include "core/cp1252.h"
 #include "core/error_trap.h"
 #include "export/export_bytes.h"
@@ -140,8 +141,10 @@ QString BuildAdif(const Model& m, const LogGridModel& grid, const QString& ownBe
 void ExportAdifMenu(Dialogs& dialogs, const Model& m, const LogGridModel& grid, const QString& ownBezirk,
                     const std::function<void(const QString&)>& openInEditor) {
     const QString answer =
-        dialogs.SaveDialog(QStringLiteral("*.adi|*.adi"), QStringLiteral("Speichern unter..."), m.AppFolder);
+        dialogs.SaveDialog(QStringLiteral("*.adi|*.adi"), QStringLiteral("Speichern unter..."),
+                           SaveStartFolder(m, SaveKind::Adif));
     if (answer.trimmed().isEmpty()) return;
+    RememberSaveFolder(SaveKind::Adif, answer.trimmed());
     const QString path = SaveNameWithExtension(answer, QStringLiteral(".ADI"));
     if (QFile::exists(path)) QFile::remove(path);
     if (grid.Rows() < 2) {

@@ -1,6 +1,7 @@
 #include "export/cabrillo.h"
 
 #include "core/atomic_file.h"
+#include "core/save_folders.h"
 #include "core/cp1252.h"
 #include "core/error_trap.h"
 #include "core/vb_text.h"
@@ -242,6 +243,7 @@ void ExportCabrilloMenu(Dialogs& dialogs, const CabrilloSource& src, const Score
     const QString answer =
         dialogs.SaveDialog(QStringLiteral("*.log|*.log"), QStringLiteral("Speichern unter..."), startFolder);
     if (answer.trimmed().isEmpty()) return;
+    RememberSaveFolder(SaveKind::Cabrillo, answer.trimmed());
     const QString path = SaveNameWithExtension(answer, QStringLiteral(".LOG"));
     CabrilloResult result = CabrilloResult::Written;
     const bool done = RunTrapped(dialogs, [&]() -> QString {

@@ -3,7 +3,7 @@
 #include "core/atomic_file.h"
 #include "core/cp1252.h"
 #include "core/error_trap.h"
-#include "core/print_choice.h"
+#include "core/save_folders.h"
 #include "entry/main_window.h"
 #include "export/adif.h"
 #include "export/busy_panel.h"
@@ -31,13 +31,16 @@ public:
     }
 
     void Cabrillo() {
-        ExportCabrilloMenu(d_, Source(), o_.score, m_.LogFolder, [this](const QString& p) { OpenFile(p); });
+        ExportCabrilloMenu(d_, Source(), o_.score, SaveStartFolder(m_, SaveKind::Cabrillo), [this](const QString& p) { OpenFile(p); });
     }
     void Adif() {
         ExportAdifMenu(d_, m_, w_.Grid(), OwnBezirk(), [this](const QString& p) { OpenFile(p); });
     }
     void Drucken() {
-        PrintLogMenu(d_, w_.Grid(), m_.Header.MYBZ, PdfPath(), !o_.pdfPath.isEmpty() || PrintIntoPdfChosen());
+        PrintLogMenu(d_, m_, w_.Grid(), m_.Header.MYBZ, [this](const QUrl& u) {
+            Open(u);
+            return true;
+        });
     }
 
     void Einsenden() {
@@ -129,12 +132,6 @@ private:
     QString OwnBezirk() const {
         const QLabel* l = w_.findChild<QLabel*>(QStringLiteral("Label12"));
         return l ? l->text() : m_.Header.MYBZ;
-    }
-    QString PdfPath() const {
-        if (!o_.pdfPath.isEmpty()) return o_.pdfPath;
-        const QString name = m_.CurrentLogName;
-        const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
-        return m_.LogFolder + (dot >= 0 ? name.left(dot) : name) + QStringLiteral(".pdf");
     }
     void Open(const QUrl& url) {
         if (w_.openUrl)

@@ -29,9 +29,6 @@ struct ExportOptions {
     ScoreFunction score;
     net::HttpTimeouts timeouts;
     long pingMs = 3000;
-    // Where the printout goes when the machine has no printer; empty: the log's folder,
-    // the log's name with ".pdf". When set, the printout always goes there.
-    QString pdfPath;
 };
 
 void InstallExport(HauptForm& window, Model& m, Dialogs& dialogs, const TimeSource& clock,

@@ -1,14 +1,14 @@
 #include "export/printout.h"
 
-#include "core/error_trap.h"
+#include "core/log_model.h"
 #include "export/printout_text.h"
+#include "ui/print_job.h"
 
+#include <QFileInfo>
 #include <QFont>
 #include <QFontMetrics>
 #include <QPainter>
 #include <QPrinter>
-#include <QPrinterInfo>
-#include <memory>
 
 namespace kolibrino::exporting {
 namespace {
@@ -25,8 +25,8 @@ QFont PrintFont() {
 
 } // namespace
 
-int PaintLog(QPagedPaintDevice& device, const LogGridModel& grid, const QString& myBz) {
-    QPainter p(&device);
+int PaintLog(QPainter& p, QPagedPaintDevice& device, const LogGridModel& grid, const QString& myBz,
+             int fromPage, int toPage) {
     if (!p.isActive()) return 0;
     const QFont font = PrintFont();
     p.setFont(font);
@@ -36,13 +36,17 @@ int PaintLog(QPagedPaintDevice& device, const LogGridModel& grid, const QString&
     const int w = std::max(1, fm.horizontalAdvance(QLatin1Char('W')));
     const int ruleLength = width / w;
     const QString rule(ruleLength, QLatin1Char('-'));
+    // Pages outside the range chosen in the print dialog are laid out, not printed.
+    auto wanted = [&](int page) { return fromPage <= 0 || (page >= fromPage && (toPage <= 0 || page <= toPage)); };
     int page = 1;
+    int printed = 0;
     int y = 0;
     auto line = [&](int x, const QString& text) {
-        p.drawText(x, y + fm.ascent(), text);
+        if (wanted(page)) p.drawText(x, y + fm.ascent(), text);
         y += fm.height();
     };
     auto head = [&] {
+        if (wanted(page) && printed++ > 0) device.newPage();
         const QString mark = PrintPageMark(page);
         line(width / 2 - fm.horizontalAdvance(mark) / 2, mark);
         line(0, PrintHeading());
@@ -51,7 +55,6 @@ int PaintLog(QPagedPaintDevice& device, const LogGridModel& grid, const QString&
     head();
     for (int row = 0; row < grid.DataRows(); ++row) {
         if (y + fm.height() + 50 > height) {
-            device.newPage();
             ++page;
             y = 0;
             head();
@@ -61,33 +64,31 @@ int PaintLog(QPagedPaintDevice& device, const LogGridModel& grid, const QString&
     return page;
 }
 
-void PrintLogMenu(Dialogs& dialogs, const LogGridModel& grid, const QString& myBz, const QString& pdfPath,
-                  bool pdfOnly) {
+int PaintLog(QPagedPaintDevice& device, const LogGridModel& grid, const QString& myBz) {
+    QPainter p(&device);
+    return PaintLog(p, device, grid, myBz, 0, 0);
+}
+
+bool PrintLogMenu(Dialogs& dialogs, const Model& m, const LogGridModel& grid, const QString& myBz,
+                  const std::function<bool(const QUrl&)>& open) {
     if (grid.Rows() < 2) {
         dialogs.MsgBox(QString::fromUtf8(kKeineDruckeintraege), Msg::Information);
-        return;
+        return false;
     }
-    if (dialogs.MsgBox(QString::fromUtf8(kDruckFrage), Msg::OkCancel | Msg::Question) != Msg::Ok) return;
-    bool printed = false;
-    const bool done = RunTrapped(dialogs, [&]() -> QString {
+    if (dialogs.MsgBox(QString::fromUtf8(kDruckFrage), Msg::OkCancel | Msg::Question) != Msg::Ok) return false;
+    Printout job;
+    job.jobName = QFileInfo(m.CurrentLogName).completeBaseName();
+    if (job.jobName.isEmpty()) job.jobName = QStringLiteral("Kolibrino Log");
+    job.orientation = QPageLayout::Landscape;
+    job.open = open;
+    job.paint = [&](QPainter& p, QPrinter& printer) {
         BusyScope busy(dialogs);
-        const QPrinterInfo info = QPrinterInfo::defaultPrinter();
-        std::unique_ptr<QPrinter> printer;
-        if (!pdfOnly && !info.isNull()) {
-            printer = std::make_unique<QPrinter>(info, QPrinter::HighResolution);
-        } else {
-            printer = std::make_unique<QPrinter>(QPrinter::HighResolution);
-            printer->setOutputFormat(QPrinter::PdfFormat);
-            printer->setOutputFileName(pdfPath);
-        }
-        printer->setPageOrientation(QPageLayout::Landscape);
-        printer->setDocName(QStringLiteral("Kolibrino Log"));
-        if (PaintLog(*printer, grid, myBz) == 0)
-            return QStringLiteral("Der Drucker kann nicht gestartet werden.");
-        printed = true;
-        return {};
-    });
-    if (done && printed) dialogs.MsgBox(QString::fromUtf8(kGedruckt), Msg::Information);
+        const bool range = printer.printRange() == QPrinter::PageRange;
+        return PaintLog(p, printer, grid, myBz, range ? printer.fromPage() : 0, range ? printer.toPage() : 0) > 0;
+    };
+    const PrintOutcome o = RunPrintout(dialogs, m, job);
+    if (o == PrintOutcome::Printed) dialogs.MsgBox(QString::fromUtf8(kGedruckt), Msg::Information);
+    return o == PrintOutcome::Printed || o == PrintOutcome::IntoPdf || o == PrintOutcome::Waiting;
 }
 
 } // namespace kolibrino::exporting

@@ -150,7 +150,7 @@ SendOutcome RunConnectionTest(const QString& server, const QString& tmpFolder,
 
 QString NoServerText() {
     return QStringLiteral("Einsenden abgebrochen!\nEs ist kein Log-Server eingestellt.\n\n"
-                          "Bitte in kolibrino.INI im Abschnitt [Server] den Eintrag LogServer setzen.");
+                          "Bitte unter Einstellungen → Server und Adressen… den Log-Server eintragen.");
 }
 
 QString PingFailedText() {

@@ -1,6 +1,6 @@
 #include "scoring/bezirke_liste.h"
 
-#include "scoring/print_target.h"
+#include "ui/print_job.h"
 
 #include <QLabel>
 #include <algorithm>
@@ -98,15 +98,27 @@ bool BezirkeListe::MnDrucken(QString* pdfPath) {
     if (dialogs_.MsgBox(QStringLiteral("Soll die Liste auf dem Standarddrucker ausgegeben werden?"),
                         Msg::Question | Msg::OkCancel) == Msg::Cancel)
         return false;
-    return PrintPage(
-        dialogs_, QPageLayout::Portrait, QStringLiteral("Bezirke Liste"),
-        [this](QPrinter& printer) {
-            QPainter p(&printer);
-            const double dotsPerMm = printer.resolution() / 25.4;
-            p.translate(0, 7 * dotsPerMm);
-            DrawBezirkeListe(p, m_, dotsPerMm);
-        },
-        pdfPath);
+    Printout job;
+    job.jobName = QStringLiteral("Bezirke Liste");
+    job.paint = [this](QPainter& p, QPrinter& printer) {
+        const double dotsPerMm = printer.resolution() / 25.4;
+        // The page as drawn on screen: 7 mm down, two columns, the widest line on the right.
+        QFont font(QStringLiteral("Arial"));
+        font.setPointSizeF(13);
+        const QFontMetricsF fm(font, &printer);
+        double right = 0;
+        for (const auto& row : BezirkeListeRows(m_))
+            right = std::max(right, fm.horizontalAdvance(row.second));
+        const double line = std::min(fm.height(), kMaxLineMm * dotsPerMm);
+        FitIntoPage(p, printer, 105 * dotsPerMm + right,
+                    (7 + 10) * dotsPerMm + fm.ascent() + (kColumnRows + 2) * line);
+        p.translate(0, 7 * dotsPerMm);
+        DrawBezirkeListe(p, m_, dotsPerMm);
+        return true;
+    };
+    job.open = openUrl;
+    const PrintOutcome o = RunPrintout(dialogs_, m_, job, pdfPath);
+    return o == PrintOutcome::Printed || o == PrintOutcome::IntoPdf || o == PrintOutcome::Waiting;
 }
 
 } // namespace kolibrino

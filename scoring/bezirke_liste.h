@@ -2,7 +2,7 @@
 // and federal states, drawn once at load.
 //
 // Who calls it: InstallScoring() from MnBezirkeListe, modal. GUI thread only. Never
-// fails; printing fails as PrintPage() (scoring/print_target.h) says.
+// fails; printing fails as RunPrintout() (ui/print_job.h) says.
 #pragma once
 
 #include "core/dialogs.h"
@@ -11,6 +11,8 @@
 #include <QDialog>
 #include <QImage>
 #include <QStringList>
+#include <QUrl>
+#include <functional>
 
 class QPainter;
 class QPrinter;
@@ -32,6 +34,8 @@ public:
     // MnDrucken: asks, then prints the page; true when a page went out.
     bool MnDrucken(QString* pdfPath = nullptr);
     const QImage& Page() const { return page_; }
+    // Opens a printed PDF on the operator's yes; empty: the desktop's viewer.
+    std::function<bool(const QUrl&)> openUrl;
 
 private:
     const Model& m_;

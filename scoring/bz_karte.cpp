@@ -2,8 +2,9 @@
 
 #include "core/settings.h"
 #include "scoring/colour_buttons.h"
-#include "scoring/print_target.h"
+#include "scoring/flood_fill.h"
 #include "ui/back_colour.h"
+#include "ui/print_job.h"
 #include "ui/window_support.h"
 
 #include <QAction>
@@ -20,6 +21,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace kolibrino {
 
@@ -220,27 +222,56 @@ QString BZKarte::PrintHeading() const {
     return combo1_->itemText(row > -1 ? row : 0);
 }
 
-void BZKarte::DrawPrint(QPrinter& printer) const {
-    QPainter p(&printer);
+QImage BZKarte::PrintImage() const {
+    // The grey around the country is the window's background, not the map's: on paper
+    // it becomes white. Only the grey that touches the edge goes.
+    QImage page = map_.convertToFormat(QImage::Format_RGB32);
+    if (page.isNull()) return page;
+    const QRgb grey = page.pixel(0, 0);
+    if (qGray(grey) == 255) return page;
+    auto clear = [&](int x, int y) {
+        if ((page.pixel(x, y) & 0xFFFFFF) == (grey & 0xFFFFFF)) FloodFill4(page, QPoint(x, y), qRgb(255, 255, 255));
+    };
+    for (int x = 0; x < page.width(); ++x) {
+        clear(x, 0);
+        clear(x, page.height() - 1);
+    }
+    for (int y = 0; y < page.height(); ++y) {
+        clear(0, y);
+        clear(page.width() - 1, y);
+    }
+    return page;
+}
+
+void BZKarte::DrawPrint(QPainter& p, QPrinter& printer) const {
     const double dotsPerMm = printer.resolution() / 25.4;
     QFont font(QStringLiteral("Arial"));
     font.setPointSizeF(15);
     p.setFont(font);
-    p.drawText(QPointF(50 * dotsPerMm, 10 * dotsPerMm + QFontMetricsF(font, &printer).ascent()),
-               PrintHeading());
+    const QFontMetricsF fm(font, &printer);
     // The map at 90 % of its size in millimetres (96 pixels to the inch).
     const double wMm = map_.width() * 25.4 / 96 * 0.9;
     const double hMm = map_.height() * 25.4 / 96 * 0.9;
-    p.drawImage(QRectF(0, 20 * dotsPerMm, wMm * dotsPerMm, hMm * dotsPerMm), map_);
+    FitIntoPage(p, printer, std::max(wMm * dotsPerMm, 50 * dotsPerMm + fm.horizontalAdvance(PrintHeading())),
+                (20 + hMm) * dotsPerMm);
+    p.drawText(QPointF(50 * dotsPerMm, 10 * dotsPerMm + fm.ascent()), PrintHeading());
+    p.drawImage(QRectF(0, 20 * dotsPerMm, wMm * dotsPerMm, hMm * dotsPerMm), PrintImage());
 }
 
 bool BZKarte::Command7Click(QString* pdfPath) {
     if (dialogs_.MsgBox(QStringLiteral("Soll die aktuelle Karte auf dem Standarddrucker ausgegeben werden?"),
                         Msg::Question | Msg::OkCancel) == Msg::Cancel)
         return false;
-    return PrintPage(
-        dialogs_, QPageLayout::Landscape, QStringLiteral("Bezirke Karte"),
-        [this](QPrinter& printer) { DrawPrint(printer); }, pdfPath);
+    Printout job;
+    job.jobName = QStringLiteral("Bezirke Karte");
+    job.orientation = QPageLayout::Landscape;
+    job.paint = [this](QPainter& p, QPrinter& printer) {
+        DrawPrint(p, printer);
+        return true;
+    };
+    job.open = openUrl;
+    const PrintOutcome o = RunPrintout(dialogs_, m_, job, pdfPath);
+    return o == PrintOutcome::Printed || o == PrintOutcome::IntoPdf || o == PrintOutcome::Waiting;
 }
 
 void BZKarte::Command8Click() {

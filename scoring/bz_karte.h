@@ -14,6 +14,7 @@
 
 #include <QImage>
 #include <QTimer>
+#include <QUrl>
 #include <QWidget>
 #include <array>
 #include <functional>
@@ -22,6 +23,7 @@ class QAction;
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QPainter;
 class QPrinter;
 class QPushButton;
 class QScrollArea;
@@ -61,7 +63,11 @@ public:
     bool HalfSize() const;
     // The heading of the printed map.
     QString PrintHeading() const;
-    void DrawPrint(QPrinter& printer) const;
+    // The printed page: heading and map inside the printable area, no grey around.
+    void DrawPrint(QPainter& p, QPrinter& printer) const;
+    QImage PrintImage() const;
+    // Opens a printed PDF on the operator's yes; empty: the desktop's viewer.
+    std::function<bool(const QUrl&)> openUrl;
 
     // The other windows follow a colour chosen here (band buttons 0..3).
     std::function<void(int button, int bgr)> colourChanged;

@@ -50,6 +50,7 @@ public:
         } else {
             auto* k = new BZKarte(m_, d_, entry, &w_);
             bzKarte = k;
+            if (w_.openUrl) k->openUrl = w_.openUrl;
             k->colourChanged = [this](int button, int bgr) {
                 if (button <= 2 && gridKarte) gridKarte->SetButtonColour(button, bgr);
                 if (statistik) {
@@ -138,6 +139,7 @@ void InstallScoring(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource& 
         a->setEnabled(true);
         QObject::connect(a, &QAction::triggered, hub, [&w, &m, &dialogs] {
             BezirkeListe liste(m, dialogs, &w);
+            if (w.openUrl) liste.openUrl = w.openUrl;
             liste.exec();
         });
     }

@@ -2,6 +2,7 @@
 
 #include "core/atomic_file.h"
 #include "core/cp1252.h"
+#include "core/save_folders.h"
 #include "core/settings.h"
 #include "scoring/map_paint.h"
 #include "ui/window_support.h"
@@ -179,8 +180,10 @@ void Statistik::Timer1Tick() {
 
 void Statistik::Command4Click() {
     const QString answer = dialogs_.SaveDialog(QStringLiteral("*.txt (Textdateien)|*.txt"),
-                                               QStringLiteral("Ergebnis in Datei speichern"), QString());
+                                               QStringLiteral("Ergebnis in Datei speichern"),
+                                               SaveStartFolder(m_, SaveKind::Ergebnis));
     if (answer.isEmpty()) return;
+    RememberSaveFolder(SaveKind::Ergebnis, answer);
     const QString name = ResultsFileName(answer);
     const int year = ContestNow(clock_, m_.ZeitOffset).date().year();
     const QByteArray bytes = ToCp1252(ResultsText(m_, ComputeScore(m_), year));

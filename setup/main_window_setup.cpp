@@ -1,6 +1,7 @@
 #include "setup/main_window_setup.h"
 
 #include "entry/main_window.h"
+#include "setup/server_window.h"
 #include "setup/setup_flows.h"
 
 #include <QAction>
@@ -63,6 +64,7 @@ void InstallLogSetup(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource&
     connectEntry("MnOpenLog", [&w, &m, &dialogs, &clock, endIfAsked] {
         endIfAsked(MnOpenLog(&w, m, dialogs, clock, HooksOf(w, m)));
     });
+    connectEntry("MnServerAdressen", [&w, &m, &dialogs] { MnServerAdressen(&w, m, dialogs); });
     connectEntry("MnLogoptionen",
                  [&w, &m, &dialogs, &clock] { MnLogoptionen(&w, m, dialogs, clock, HooksOf(w, m)); });
     if (QAction* a = w.Action(QStringLiteral("MnAutomatischesSichern"))) {

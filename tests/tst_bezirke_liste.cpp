@@ -1,6 +1,8 @@
 // The district list: its lines, its two columns, and its print.
 #include "core/log_file.h"
 #include "scoring/bezirke_liste.h"
+
+#include <QPrinter>
 #include "scoring_support.h"
 
 #include <QApplication>
@@ -81,15 +83,20 @@ private slots:
         QVERIFY(!liste.Page().isNull());
         const QString pdf = f.home.Path(QStringLiteral("liste.pdf"));
         qputenv("KOLIBRINO_PRINT_PDF", "1");
+        f.dialogs.Clear();
         f.dialogs.AnswerMsgBox(Msg::Ok);
-        f.dialogs.AnswerPath(pdf);
+        f.dialogs.AnswerPrint([pdf](QPrinter& p) {
+            p.setOutputFileName(pdf);
+            return true;
+        });
+        f.dialogs.AnswerMsgBox(Msg::No);
         QString written;
         QVERIFY(liste.MnDrucken(&written));
         qunsetenv("KOLIBRINO_PRINT_PDF");
         QCOMPARE(written, pdf);
-        QCOMPARE(f.dialogs.LastBox()->text,
+        QCOMPARE(f.dialogs.boxes.first().text,
                  QStringLiteral("Soll die Liste auf dem Standarddrucker ausgegeben werden?"));
-        QCOMPARE(f.dialogs.LastBox()->flags, 33);
+        QCOMPARE(f.dialogs.boxes.first().flags, 33);
         const QString info = RunTool(QStringLiteral("pdfinfo"), {pdf});
         QVERIFY2(info.contains(QRegularExpression(QStringLiteral("Pages:\\s+1\\n"))), qPrintable(info));
         const QString text =

@@ -2,6 +2,8 @@
 // colours, the filter rows, half size, colours and printing.
 #include "core/call_index.h"
 #include "core/print_choice.h"
+
+#include <QPrinter>
 #include "scoring/bz_karte.h"
 #include "scoring/flood_fill.h"
 #include "scoring/grid_karte.h"
@@ -290,14 +292,18 @@ private slots:
         const QString pdf = f.home.Path(QStringLiteral("karte.pdf"));
         qputenv("KOLIBRINO_PRINT_PDF", "1");
         f.dialogs.AnswerMsgBox(Msg::Ok);
-        f.dialogs.AnswerPath(pdf);
+        f.dialogs.AnswerPrint([pdf](QPrinter& p) {
+            p.setOutputFileName(pdf);
+            return true;
+        });
+        f.dialogs.AnswerMsgBox(Msg::No);
         QString written;
         QVERIFY(k->Command7Click(&written));
         qunsetenv("KOLIBRINO_PRINT_PDF");
         QCOMPARE(written, pdf);
-        QCOMPARE(f.dialogs.boxes.last().text,
+        QCOMPARE(f.dialogs.boxes.first().text,
                  QStringLiteral("Soll die aktuelle Karte auf dem Standarddrucker ausgegeben werden?"));
-        QCOMPARE(f.dialogs.boxes.last().flags, 33);
+        QCOMPARE(f.dialogs.boxes.first().flags, 33);
         const QString info = RunTool(QStringLiteral("pdfinfo"), {pdf});
         QVERIFY2(info.contains(QRegularExpression(QStringLiteral("Pages:\\s+1\\n"))), qPrintable(info));
         QVERIFY2(info.contains(QStringLiteral("842 x 595 pts")), qPrintable(info)); // A4 landscape
@@ -321,7 +327,12 @@ private slots:
         BZKarte* k = Open(f);
         const QString pdf = f.home.Path(QStringLiteral("gewaehlt.pdf"));
         f.dialogs.AnswerMsgBox(Msg::Ok);
-        f.dialogs.AnswerPath(pdf);
+        f.dialogs.AnswerPrint([pdf](QPrinter& p) {
+            if (p.outputFormat() != QPrinter::PdfFormat) return false; // the choice comes first
+            p.setOutputFileName(pdf);
+            return true;
+        });
+        f.dialogs.AnswerMsgBox(Msg::No);
         QString written;
         QVERIFY(k->Command7Click(&written));
         QCOMPARE(written, pdf);

@@ -13,6 +13,7 @@
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <QPrinter>
 #include <QProcess>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -374,35 +375,62 @@ private slots:
         QCOMPARE(server->Requests(), 0);
     }
 
+    // The save dialogs start in Logs/, then where the last file of that kind went.
+    void saveDialogsStartInLogsThenInTheLastFolderOfTheirKind() {
+        QVERIFY(Start(SomeContacts(3)));
+        const QString logs = f->home.model.LogFolder;
+        const QString elsewhere = f->home.Path(QStringLiteral("woanders"));
+        QDir().mkpath(elsewhere);
+        f->dialogs.AnswerPath(elsewhere + QStringLiteral("/x.adi"));
+        f->dialogs.AnswerMsgBox(Msg::No);
+        Trigger("MnLogExportierenADIF");
+        QVERIFY(QFile::exists(elsewhere + QStringLiteral("/x.ADI")) || QFile::exists(elsewhere + QStringLiteral("/x.adi")));
+        f->dialogs.AnswerPath({});
+        Trigger("MnLogExportierenADIF");
+        f->dialogs.AnswerPath({});
+        Trigger("MnLogExportierenCabrillo");
+        QCOMPARE(f->dialogs.startFolders.size(), 3);
+        QCOMPARE(f->dialogs.startFolders[0], logs);
+        QCOMPARE(f->dialogs.startFolders[1], elsewhere + QLatin1Char('/'));
+        QCOMPARE(f->dialogs.startFolders[2], logs); // another kind keeps its own folder
+        QVERIFY(!f->dialogs.startFolders.contains(f->home.model.AppFolder));
+        // The folder is remembered in the settings, across a restart.
+        QCOMPARE(IniReadString(f->home.model.IniPath, QStringLiteral("Ordner"), QStringLiteral("ADIF")), elsewhere);
+    }
+
     // The printout.
     void emptyLogPrintsNothingAndSaysSo() {
-        options.pdfPath = f->home.Path(QStringLiteral("druck.pdf"));
         QVERIFY(Start({}));
         Trigger("MnLogDrucken");
         QCOMPARE(f->dialogs.LastBox()->text,
                  QStringLiteral("Es sind keine Logeinträge zum Drucken vorhanden!"));
-        QVERIFY(!QFile::exists(options.pdfPath));
+        QCOMPARE(f->dialogs.printDialogs, 0);
     }
     void cancelPrintsNothing() {
-        options.pdfPath = f->home.Path(QStringLiteral("druck.pdf"));
         QVERIFY(Start(SomeContacts(3)));
         f->dialogs.AnswerMsgBox(Msg::Cancel);
         Trigger("MnLogDrucken");
         QCOMPARE(f->dialogs.boxes.size(), 1);
         QVERIFY(f->dialogs.boxes[0].text.startsWith(
             QStringLiteral("Soll das aktuelle Log auf dem Standarddrucker")));
-        QVERIFY(!QFile::exists(options.pdfPath));
+        QCOMPARE(f->dialogs.printDialogs, 0);
     }
     void printoutToPdfHasPageMarksHeadingsAndEveryRow() {
-        options.pdfPath = f->home.Path(QStringLiteral("druck.pdf"));
+        const QString pdf = f->home.Path(QStringLiteral("druck.pdf"));
         const int n = 150;
         QVERIFY(Start(SomeContacts(n)));
         f->dialogs.AnswerMsgBox(Msg::Ok);
+        f->dialogs.AnswerPrint([pdf](QPrinter& printer) {
+            printer.setOutputFormat(QPrinter::PdfFormat);
+            printer.setOutputFileName(pdf);
+            return true;
+        });
+        f->dialogs.AnswerMsgBox(Msg::No);
         Trigger("MnLogDrucken");
-        QCOMPARE(f->dialogs.LastBox()->text, QStringLiteral("Das Log wurde gedruckt."));
+        QVERIFY(f->dialogs.LastBox()->text.startsWith(QStringLiteral("Der Ausdruck wurde als PDF-Datei gespeichert")));
         QProcess p;
         p.start(QStringLiteral("pdftotext"),
-                {QStringLiteral("-layout"), options.pdfPath, QStringLiteral("-")});
+                {QStringLiteral("-layout"), pdf, QStringLiteral("-")});
         QVERIFY(p.waitForFinished(60000));
         const QStringList pages =
             QString::fromUtf8(p.readAllStandardOutput()).split(QLatin1Char('\f'), Qt::SkipEmptyParts);

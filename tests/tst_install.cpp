@@ -93,6 +93,7 @@ private slots:
                               "share/kolibrino/KOLBOHilfe.pdf", "share/applications/kolibrino.desktop",
                               "share/metainfo/at.zeft.kolibrino.metainfo.xml",
                               "share/icons/hicolor/scalable/apps/kolibrino.svg",
+                              "share/man/de/man1/kolibrino.1.gz", "share/man/de/man1/kolibrino-cli.1.gz",
                               "share/man/man1/kolibrino.1.gz", "share/man/man1/kolibrino-cli.1.gz",
                               "share/doc/kolibrino/copyright", "share/doc/kolibrino/changelog.gz"})
             QVERIFY2(QFileInfo(Installed(QLatin1String(f))).isFile(), f);
@@ -105,6 +106,24 @@ private slots:
                 Installed(QStringLiteral("share/icons/hicolor/%1x%1/apps/kolibrino.png").arg(size)));
             QCOMPARE(icon.size(), QSize(size, size));
         }
+    }
+
+    void germanManualPagesLieUnderDeAndEnglishOnesAreEnglish() {
+        auto page = [this](const char* rel) {
+            const Run r = RunProgram(QStringLiteral("gzip"), {QStringLiteral("-dc"), Installed(QLatin1String(rel))});
+            return r.exitCode == 0 ? QString::fromUtf8(r.out) : QString();
+        };
+        for (const char* rel : {"share/man/de/man1/kolibrino.1.gz", "share/man/de/man1/kolibrino-cli.1.gz"}) {
+            const QString text = page(rel);
+            QVERIFY2(text.contains(QStringLiteral(".SH BESCHREIBUNG")), rel);
+        }
+        for (const char* rel : {"share/man/man1/kolibrino.1.gz", "share/man/man1/kolibrino-cli.1.gz"}) {
+            const QString text = page(rel);
+            QVERIFY2(text.contains(QStringLiteral(".SH DESCRIPTION")), rel);
+            QVERIFY2(!text.contains(QStringLiteral("BESCHREIBUNG")), rel);
+        }
+        // What the page promises for KOLIBRINO_LOG works (tst_server_settings shows it).
+        QVERIFY(page("share/man/de/man1/kolibrino.1.gz").contains(QStringLiteral("ohne Log-Manager")));
     }
 
     void desktopEntryIsGermanAndValid() {

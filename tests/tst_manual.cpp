@@ -39,7 +39,7 @@ private slots:
             QStringLiteral("Kolibrino – Anleitung"),
             QStringLiteral("1 Installation"),
             QStringLiteral("2 Erster Start und der Log-Manager"),
-            QStringLiteral("3 Stations-Einstellungen"),
+            QStringLiteral("3 Contest-Einstellungen"),
             QStringLiteral("4 Loggen an der Tastatur"),
             QStringLiteral("5 Contest-Uhr und Zeitversatz"),
             QStringLiteral("6 Dupe-Regel und Wertung"),
@@ -51,10 +51,43 @@ private slots:
             QStringLiteral("12 Update"),
             QStringLiteral("13 Dateien und Ordner"),
             QStringLiteral("14 Wenn etwas nicht klappt"),
+            QStringLiteral("15 Teilrufzeichen"),
+            QStringLiteral("16 Rufzeichen-Check"),
+            QStringLiteral("17 Server und Adressen"),
+            QStringLiteral("18 Drucken"),
         };
         for (const QString& c : chapters)
             QVERIFY2(text.contains(c), qPrintable(c));
         QVERIFY(text.contains(QStringLiteral("Strg+W")));
+    }
+
+    void windowsAreCalledByTheCaptionTheyShow() {
+        const QString text = Run(QStringLiteral("pdftotext"), {kPdf, QStringLiteral("-")}).simplified();
+        for (const char* caption : {"„Ergebnis“", "„Contest-Einstellungen“", "„Teilrufzeichen“", "„Check“",
+                                    "„Bezirke Karte“", "„Bezirke Liste“", "„Multiplikatoren-Tabelle“",
+                                    "„Server und Adressen“"})
+            QVERIFY2(text.contains(QString::fromUtf8(caption)), caption);
+        for (const char* old : {"Statistik", "Stations-Einstellungen", "Log-Verwaltung"})
+            QVERIFY2(!text.contains(QLatin1String(old)), old);
+    }
+
+    void settingsAnOperatorMakesByHandAreExplained() {
+        const QString text = Run(QStringLiteral("pdftotext"), {kPdf, QStringLiteral("-")}).simplified();
+        // The package first, the source second.
+        const qsizetype deb = text.indexOf(QStringLiteral("sudo apt install ./kolibrino_"));
+        const qsizetype source = text.indexOf(QStringLiteral("tools/dev.sh run"));
+        QVERIFY(deb > 0 && source > deb);
+        // The first start's offset and the one for UTC.
+        QVERIFY(text.contains(QStringLiteral("„-12:00h“")));
+        QVERIFY(text.contains(QStringLiteral("„-02:00h“")));
+        QVERIFY(text.contains(QStringLiteral("„-00:00h“")));
+        // Servers and addresses through their window, and where the INI file lives.
+        for (const char* s : {"Log-Server testen", "Update-Server testen", "eMail des Contest-Managers",
+                              "Contestregeln"})
+            QVERIFY2(text.contains(QString::fromUtf8(s)), s);
+        // A path may break at a "/" in the PDF's lines.
+        QVERIFY(QString(text).remove(QLatin1Char(' ')).contains(QStringLiteral("~/.local/share/kolibrino/kolibrino.INI")));
+        QVERIFY(!text.contains(QStringLiteral("/tmp/")));
     }
 
     void thePdfHoldsTheScreenshots() {

@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPrintDialog>
 #include <QPushButton>
 
 namespace kolibrino {
@@ -148,6 +149,13 @@ int QtDialogs::SelectColor(int initial, bool fullOpen) {
     dlg.setOption(QColorDialog::DontUseNativeDialog, !fullOpen ? false : true);
     if (dlg.exec() != QDialog::Accepted) return -1;
     return ColorToBgr(dlg.selectedColor());
+}
+
+bool QtDialogs::PrintDialog(QPrinter& printer, const QString& title) {
+    QPrintDialog dlg(&printer, parent_);
+    dlg.setObjectName(QStringLiteral("Druckdialog"));
+    if (!title.isEmpty()) dlg.setWindowTitle(title);
+    return dlg.exec() == QDialog::Accepted;
 }
 
 void QtDialogs::SetBusy(bool busy) {

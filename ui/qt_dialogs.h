@@ -25,6 +25,7 @@ public:
     QString SaveDialog(const QString& filter, const QString& title, const QString& startFolder) override;
     QString BrowseFolder(const QString& title, const QString& startFolder) override;
     int SelectColor(int initial, bool fullOpen) override;
+    bool PrintDialog(QPrinter& printer, const QString& title) override;
     void SetBusy(bool busy) override;
     void Beep() override;
 

@@ -16,8 +16,8 @@ namespace kolibrino::upkeep {
 inline const char* const kSectionInfo = "Info";
 inline const char* const kInfoSubject = "Kontodaten Frage Kommentar";
 inline const char* const kTxtKeineMailAdresse =
-    "Es ist keine eMail-Adresse des Contest-Managers eingestellt.\r\nBitte in kolibrino.INI im Abschnitt "
-    "[Info] den Schlüssel MailAdresse setzen.";
+    "Es ist keine eMail-Adresse des Contest-Managers eingestellt.\r\nBitte unter Einstellungen → Server und "
+    "Adressen… die eMail im Info-Fenster eintragen.";
 
 // "Kolibrino v1.0.0" from the build's version.
 QString InfoVersionText();

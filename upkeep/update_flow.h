@@ -57,8 +57,8 @@ inline const char* const kTxtDateiFehlerhaft =
 inline const char* const kTxtNeustart = "Kolibrino muss neu gestartet werden!";
 inline const char* const kTxtFertig = "Updates wurden durchgeführt. Fenster wird geschlossen.";
 inline const char* const kTxtKeinServer =
-    "Es ist kein Update-Server eingestellt.\r\nBitte in kolibrino.INI im Abschnitt [Update] den "
-    "Schlüssel Server setzen (Name oder Adresse, auf Wunsch mit :Port).";
+    "Es ist kein Update-Server eingestellt.\r\nBitte unter Einstellungen → Server und Adressen… den "
+    "Update-Server eintragen (Name oder Adresse, auf Wunsch mit :Port).";
 
 struct UpdateServer {
     QString host; // empty: none set
