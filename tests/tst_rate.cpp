@@ -155,9 +155,10 @@ private slots:
         t = CountRate(m, QDateTime(QDate(2026, 5, 1), QTime(8, 5)));
         QCOMPARE(t.PerHour10(), 12);
         QCOMPARE(t.PerHour60(), 2);
+        QCOMPARE(t.present, -1);
         t = CountRate(m, QDateTime(QDate(2026, 5, 1), QTime(7, 29, 59)));
         QCOMPARE(t.PerHour60(), 1); // 06:30:00 is 59:59 back
-        QCOMPARE(t.present, -1);
+        QCOMPARE(t.present, 14);
         // The next day nothing is recent.
         t = CountRate(m, QDateTime(QDate(2026, 5, 2), QTime(5, 5)));
         QCOMPARE(t.last60, 0);
