@@ -51,6 +51,7 @@ private slots:
             QStringLiteral("12 Update"),
             QStringLiteral("13 Dateien und Ordner"),
             QStringLiteral("14 Wenn etwas nicht klappt"),
+            QStringLiteral("15 QSO-Rate und fehlende Multiplikatoren"),
         };
         for (const QString& c : chapters)
             QVERIFY2(text.contains(c), qPrintable(c));
