@@ -147,7 +147,6 @@ void HauptForm::BuildMenus() {
     AddSeparator(fenster, QStringLiteral("MnSt16"));
     AddItem(fenster, QStringLiteral("MnBezirkeListe"), QStringLiteral("&Bezirke Liste"), false);
     companionEntry(Companion::Transceiver, QStringLiteral("T&ransceiver Steuerung"));
-    AddSeparator(fenster, QStringLiteral("MnSt20"));
     companionEntry(Companion::QsoRate, QStringLiteral("&QSO-Rate"));
     companionEntry(Companion::FehlendeMulti, QStringLiteral("Fehlende &Multiplikatoren"));
 
