@@ -6,6 +6,8 @@
 //   kolibrino-cli score FILE                         every figure of the result window
 //   kolibrino-cli results FILE                       the results text file, raw bytes
 //   kolibrino-cli map FILE OUT.png [FILTER]          the filled district map
+//   kolibrino-cli rate FILE                          contacts per 10 minutes of both periods
+//   kolibrino-cli needed FILE                        districts and states still missing
 //   kolibrino-cli cabrillo|adif|check|upload FILE    export, check, send (app/cli_export.cpp)
 //   kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD]   rig 1 read once
 //   kolibrino-cli partial FILE TEXT BAND MODE TIME   the partial-call list, one entry a line
@@ -49,6 +51,8 @@ int Usage() {
                "  kolibrino-cli score DATEI\n"
                "  kolibrino-cli results DATEI\n"
                "  kolibrino-cli map DATEI BILD.png [FILTER 0-8]\n"
+               "  kolibrino-cli rate DATEI\n"
+               "  kolibrino-cli needed DATEI\n"
                "  kolibrino-cli cabrillo DATEI\n"
                "  kolibrino-cli adif DATEI\n"
                "  kolibrino-cli check DATEI\n"

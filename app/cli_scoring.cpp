@@ -3,6 +3,8 @@
 //   kolibrino-cli score FILE                  every figure of the result window
 //   kolibrino-cli results FILE                the bytes of the results text file
 //   kolibrino-cli map FILE OUT.png [FILTER]   the filled district map as a PNG
+//   kolibrino-cli rate FILE                   contacts per 10-minute slot of both periods
+//   kolibrino-cli needed FILE                 districts and federal states still missing
 //
 // Called by cli.cpp's main only, on the main thread. Each reads the log as a reopened
 // log (load, then the counters rebuilt from the records). A damaged log: the load
@@ -18,6 +20,8 @@
 #include "core/settings.h"
 #include "core/tallies.h"
 #include "scoring/map_paint.h"
+#include "scoring/needed.h"
+#include "scoring/rate.h"
 #include "scoring/score.h"
 
 #include <QCoreApplication>
@@ -56,7 +60,9 @@ std::optional<int> ScoringCommand(const QStringList& args) {
     const bool score = command == QLatin1String("score") && args.size() == 2;
     const bool results = command == QLatin1String("results") && args.size() == 2;
     const bool map = command == QLatin1String("map") && (args.size() == 3 || args.size() == 4);
-    if (!score && !results && !map) return std::nullopt;
+    const bool rate = command == QLatin1String("rate") && args.size() == 2;
+    const bool needed = command == QLatin1String("needed") && args.size() == 2;
+    if (!score && !results && !map && !rate && !needed) return std::nullopt;
 
     Model m;
     ConsoleDialogs dialogs;
@@ -66,6 +72,15 @@ std::optional<int> ScoringCommand(const QStringList& args) {
         for (const auto& [caption, value] : ScoreLabels(ComputeScore(m)))
             text += caption + QStringLiteral(": ") + value + QLatin1Char('\n');
         Write(text.toLocal8Bit());
+        return 0;
+    }
+    if (rate) {
+        SystemTimeSource clock;
+        Write(RateText(CountRate(m, ContestNow(clock, m.ZeitOffset))).toLocal8Bit());
+        return 0;
+    }
+    if (needed) {
+        Write(NeededText(m, ComputeNeeded(m)).toLocal8Bit());
         return 0;
     }
     if (results) {

@@ -1,4 +1,4 @@
-// kolibrino-cli: the scoring commands (score, results, map).
+// kolibrino-cli: the scoring commands (score, results, map, rate, needed).
 //
 // Called by cli.cpp's main only, on the main thread. nullopt when the arguments are
 // not one of these commands; otherwise the exit status (1 for a damaged log or an

@@ -109,6 +109,8 @@ struct OpenWindows {
     bool Transceiver = false;
     bool LogTracker = false;
     bool DBLog = false;
+    bool QsoRate = false;       // "QSO-Rate"
+    bool FehlendeMulti = false; // "Fehlende Multiplikatoren"
 };
 
 struct Model {

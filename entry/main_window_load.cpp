@@ -209,7 +209,8 @@ void HauptForm::Unload() {
     // Companion windows, in closing order.
     for (const Companion id :
          {Companion::GridKarte, Companion::BZKarte, Companion::Frequenz, Companion::Statistik,
-          Companion::Transceiver, Companion::LogTracker, Companion::DBLog}) {
+          Companion::Transceiver, Companion::LogTracker, Companion::DBLog, Companion::QsoRate,
+          Companion::FehlendeMulti}) {
         const bool open = OpenFlag(m_, id);
         IniWrite({}, kEinst, QString::fromLatin1(CompanionOf(id).openKey), FlagValue(open));
         if (QWidget* w = CompanionWindow(id); open && w) {

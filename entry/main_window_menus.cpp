@@ -148,6 +148,8 @@ void HauptForm::BuildMenus() {
     AddSeparator(fenster, QStringLiteral("MnSt16"));
     AddItem(fenster, QStringLiteral("MnBezirkeListe"), QStringLiteral("&Bezirke Liste"), false);
     companionEntry(Companion::Transceiver, QStringLiteral("T&ransceiver Steuerung"));
+    companionEntry(Companion::QsoRate, QStringLiteral("&QSO-Rate"));
+    companionEntry(Companion::FehlendeMulti, QStringLiteral("Fehlende &Multiplikatoren"));
 
     QMenu* einreichen = top(QStringLiteral("MnLogEinreichen"), QStringLiteral("Ein&reichen"));
     connect(AddItem(einreichen, QStringLiteral("MnLogEinsenden"), QStringLiteral("Aktuelles Log ein&senden"),

@@ -1,5 +1,6 @@
 #include "scoring/bz_karte.h"
 
+#include "core/log_file.h"
 #include "core/settings.h"
 #include "scoring/colour_buttons.h"
 #include "scoring/flood_fill.h"
@@ -125,9 +126,34 @@ void BZKarte::LoadMap() {
 }
 
 void BZKarte::ShowMap() {
-    picture1_->setPixmap(QPixmap::fromImage(map_));
+    QImage shown = map_;
+    if (marked_ > 0 && size_t(marked_) < m_.BezirkRecords.size()) {
+        const BezirkRecord& b = m_.BezirkRecords[size_t(marked_)];
+        QPainter p(&shown);
+        p.setRenderHint(QPainter::Antialiasing);
+        p.setPen(QPen(Qt::white, 7));
+        p.drawEllipse(QPointF(b.X, b.Y), 16, 16);
+        p.setPen(QPen(QColor(220, 0, 0), 4));
+        p.drawEllipse(QPointF(b.X, b.Y), 16, 16);
+    }
+    picture1_->setPixmap(QPixmap::fromImage(shown));
     picture1_->resize(map_.size());
-    if (image1_->isVisible()) image1_->setPixmap(QPixmap::fromImage(map_));
+    if (image1_->isVisible()) image1_->setPixmap(QPixmap::fromImage(shown));
+}
+
+QImage BZKarte::ShownImage() const {
+    return picture1_->pixmap().toImage();
+}
+
+void BZKarte::BezirkZeigen(const QString& code) {
+    const int n = BezirkNumber(m_, code);
+    if (n <= 0 || size_t(n) >= m_.BezirkRecords.size()) return;
+    marked_ = n;
+    ShowMap();
+    const BezirkRecord& b = m_.BezirkRecords[size_t(n)];
+    if (!HalfSize()) picture2_->ensureVisible(b.X, b.Y, picture2_->width() / 2, picture2_->height() / 2);
+    if (isMinimized()) showNormal();
+    raise();
 }
 
 QImage BZKarte::HalfView() const {
@@ -166,6 +192,7 @@ void BZKarte::Combo1Click(int row) {
         return;
     }
     if (row < 1 || row > 8) return;
+    marked_ = 0;
     LoadMap();
     for (size_t i = 1; i < m_.BezirkRecords.size(); ++i) {
         const BezirkRecord& b = m_.BezirkRecords[i];
@@ -176,6 +203,7 @@ void BZKarte::Combo1Click(int row) {
 
 void BZKarte::Timer1Tick() {
     if (combo1_->currentIndex() != -1) combo1_->setCurrentIndex(-1);
+    marked_ = 0;
     LoadMap();
     if (!image1_->isVisible()) FitWindow();
     PaintStandard(map_, m_, Colours());

@@ -44,6 +44,14 @@ public:
     // The standard repaint: armed by the window's opening and from outside.
     QTimer& Timer1() { return timer1_; }
     void Timer1Tick();
+    // Shows a district to the operator: rings its seed on the shown map (not on the
+    // map that is painted and printed), scrolls it into view and raises the window.
+    // The ring stays until the next full repaint or filter view; an unknown code does
+    // nothing.
+    void BezirkZeigen(const QString& code);
+    // Element number of the ringed district, 0 for none; the picture as shown.
+    int Marked() const { return marked_; }
+    QImage ShownImage() const;
     // Click on a row of the filter box.
     void Combo1Click(int row);
     // Band buttons Command1..Command5 (index 0..4).
@@ -96,6 +104,7 @@ private:
     QCheckBox* check1_ = nullptr;
     QPushButton* command6_ = nullptr;
     std::array<QPushButton*, 5> buttons_{};
+    int marked_ = 0;
 };
 
 } // namespace kolibrino

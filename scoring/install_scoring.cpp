@@ -3,12 +3,16 @@
 #include "entry/main_window.h"
 #include "scoring/bezirke_liste.h"
 #include "scoring/bz_karte.h"
+#include "scoring/fehlende_multi.h"
 #include "scoring/grid_karte.h"
+#include "scoring/qso_rate.h"
 #include "scoring/statistik_window.h"
 #include "ui/window_support.h"
 
 #include <QAction>
 #include <QPointer>
+#include <algorithm>
+#include <iterator>
 
 namespace kolibrino {
 
@@ -29,7 +33,9 @@ public:
         }
         QAction* entry = w_.Action(QString::fromLatin1(CompanionOf(id).menuEntry));
         QWidget* win = nullptr;
-        if (id == Companion::Statistik) {
+        if (id == Companion::QsoRate || id == Companion::FehlendeMulti) {
+            win = OpenRateWindow(id, entry);
+        } else if (id == Companion::Statistik) {
             auto* s = new Statistik(m_, d_, clock_, entry, &w_);
             if (w_.openUrl) s->openUrl = w_.openUrl;
             statistik = s;
@@ -78,6 +84,28 @@ public:
         }
     }
 
+    // The rate window and the list of missing multipliers, which follow the log.
+    QWidget* OpenRateWindow(Companion id, QAction* entry) {
+        if (id == Companion::QsoRate) {
+            auto* r = new QsoRate(m_, clock_, entry, &w_);
+            qsoRate = r;
+            r->Load();
+            return r;
+        }
+        auto* f = new FehlendeMulti(m_, entry, &w_);
+        fehlendeMulti = f;
+        f->showOnMap = [this](const QString& code) {
+            if (bzKarte) bzKarte->BezirkZeigen(code);
+        };
+        f->Load();
+        return f;
+    }
+    // The log changed; `appended` when contacts were only added behind the last one.
+    void LogChanged(bool appended) {
+        if (qsoRate) qsoRate->LogChanged(appended);
+        if (fehlendeMulti) fehlendeMulti->Timer1().start();
+    }
+
     QWidget* Window(Companion id) const {
         switch (id) {
         case Companion::Statistik:
@@ -86,6 +114,10 @@ public:
             return gridKarte;
         case Companion::BZKarte:
             return bzKarte;
+        case Companion::QsoRate:
+            return qsoRate;
+        case Companion::FehlendeMulti:
+            return fehlendeMulti;
         default:
             return nullptr;
         }
@@ -108,14 +140,33 @@ public:
     QPointer<Statistik> statistik;
     QPointer<GridKarte> gridKarte;
     QPointer<BZKarte> bzKarte;
+    QPointer<QsoRate> qsoRate;
+    QPointer<FehlendeMulti> fehlendeMulti;
 };
 
 ScoringHub* HubOf(HauptForm& w) {
     return w.findChild<ScoringHub*>(QStringLiteral("ScoringHub"), Qt::FindDirectChildrenOnly);
 }
 
+constexpr Companion kMine[] = {Companion::Statistik, Companion::GridKarte, Companion::BZKarte,
+                               Companion::QsoRate, Companion::FehlendeMulti};
+
 bool Mine(Companion id) {
-    return id == Companion::Statistik || id == Companion::GridKarte || id == Companion::BZKarte;
+    return std::find(std::begin(kMine), std::end(kMine), id) != std::end(kMine);
+}
+
+// Every change of the log passes through the main window's grid: a new contact adds a
+// row at its end, an edit changes cells, a deletion removes a row or clears a dupe's
+// mark, a refill resets it. Sorting only moves rows and changes nothing.
+void FollowTheLog(HauptForm& w, ScoringHub* hub) {
+    LogGridModel& grid = w.Grid();
+    QObject::connect(&grid, &QAbstractItemModel::rowsInserted, hub,
+                     [hub, &grid](const QModelIndex&, int, int last) {
+                         hub->LogChanged(last == grid.DataRows() - 1);
+                     });
+    QObject::connect(&grid, &QAbstractItemModel::rowsRemoved, hub, [hub] { hub->LogChanged(false); });
+    QObject::connect(&grid, &QAbstractItemModel::dataChanged, hub, [hub] { hub->LogChanged(false); });
+    QObject::connect(&grid, &QAbstractItemModel::modelReset, hub, [hub] { hub->LogChanged(false); });
 }
 
 } // namespace
@@ -129,7 +180,7 @@ void InstallScoring(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource& 
         else if (previous)
             previous(id);
     };
-    for (const Companion id : {Companion::Statistik, Companion::GridKarte, Companion::BZKarte})
+    for (const Companion id : kMine)
         if (QAction* a = w.Action(QString::fromLatin1(CompanionOf(id).menuEntry))) {
             a->setEnabled(true);
             // Qt flips the check mark on the click; the open flag decides it.
@@ -149,6 +200,7 @@ void InstallScoring(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource& 
     w.gridKarteCellColor = [hub](const QString& code, int state, const QString& prefix) {
         if (hub->gridKarte) hub->gridKarte->GridCellColor(code, state, prefix);
     };
+    FollowTheLog(w, hub);
     QObject::connect(&w, &HauptForm::statistikRefreshRequested, hub, [hub] {
         if (hub->statistik) hub->statistik->Timer1().start();
     });
@@ -168,6 +220,16 @@ Statistik* OpenStatistik(HauptForm& w) {
 GridKarte* OpenGridKarte(HauptForm& w) {
     ScoringHub* hub = HubOf(w);
     return hub ? hub->gridKarte.data() : nullptr;
+}
+
+QsoRate* OpenQsoRate(HauptForm& w) {
+    ScoringHub* hub = HubOf(w);
+    return hub ? hub->qsoRate.data() : nullptr;
+}
+
+FehlendeMulti* OpenFehlendeMulti(HauptForm& w) {
+    ScoringHub* hub = HubOf(w);
+    return hub ? hub->fehlendeMulti.data() : nullptr;
 }
 
 BZKarte* OpenBZKarte(HauptForm& w) {

@@ -55,6 +55,7 @@ private slots:
             QStringLiteral("16 Rufzeichen-Check"),
             QStringLiteral("17 Server und Adressen"),
             QStringLiteral("18 Drucken"),
+            QStringLiteral("19 QSO-Rate und fehlende Multiplikatoren"),
         };
         for (const QString& c : chapters)
             QVERIFY2(text.contains(c), qPrintable(c));

@@ -23,8 +23,10 @@
 #include "rig/hamlib_rig.h"
 #include "rig/main_window_rig.h"
 #include "scoring/bz_karte.h"
+#include "scoring/fehlende_multi.h"
 #include "scoring/grid_karte.h"
 #include "scoring/install_scoring.h"
+#include "scoring/qso_rate.h"
 #include "scoring/score.h"
 #include "scoring/statistik_window.h"
 #include "setup/main_window_setup.h"
@@ -292,6 +294,15 @@ int main(int argc, char** argv) {
     ok = karte && Save(karte->grab(), folder, "karte.png") && ok;
     GridKarte* tabelle = OpenGridKarte(window);
     ok = tabelle && Save(tabelle->grab(), folder, "multiplikatoren.png") && ok;
+
+    // The rate and the multipliers still missing, at the same moment.
+    window.Action(QStringLiteral("MnQsoRate"))->trigger();
+    window.Action(QStringLiteral("MnFehlendeMulti"))->trigger();
+    QTest::qWait(50);
+    QsoRate* rate = OpenQsoRate(window);
+    ok = rate && Save(rate->grab(), folder, "qso_rate.png") && ok;
+    FehlendeMulti* fehlende = OpenFehlendeMulti(window);
+    ok = fehlende && Save(fehlende->grab(), folder, "fehlende_multiplikatoren.png") && ok;
 
     // The station and contest settings of the open log, as Einstellungen shows them.
     setup::StationLog station(model, dialogs, clock, {}, setup::StationMode::Options, &window);

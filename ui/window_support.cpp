@@ -20,6 +20,8 @@ const std::array<CompanionDef, kCompanionCount> kCompanions = {{
     {Companion::Transceiver, "Transceiver", "TransceiverForm", "Transceiver", "MnTransceiver", 0, 0},
     {Companion::LogTracker, "LogTracker", "LogTracker", "LogTracker", "MnLogTracker", 2639, 2301},
     {Companion::DBLog, "DBLog", "DBLog", "DBLog", "MnDB", 468, 4446},
+    {Companion::QsoRate, "QsoRate", "QsoRateForm", "QsoRate", "MnQsoRate", 5400, 7436},
+    {Companion::FehlendeMulti, "FehlendeMulti", "FehlendeMultiForm", "FehlendeMulti", "MnFehlendeMulti", 600, 9600},
 }};
 
 QSize ScreenPixels() {
@@ -51,6 +53,10 @@ bool& OpenFlag(Model& m, Companion id) {
         return m.Open.Transceiver;
     case Companion::LogTracker:
         return m.Open.LogTracker;
+    case Companion::QsoRate:
+        return m.Open.QsoRate;
+    case Companion::FehlendeMulti:
+        return m.Open.FehlendeMulti;
     case Companion::DBLog:
         break;
     }

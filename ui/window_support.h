@@ -32,8 +32,18 @@ inline const char* const kSectionEinstellungen = "Einstellungen";
 inline const char* const kSectionFensterPos = "FensterPos";
 
 // The companion windows, in the order the main window reopens them.
-enum class Companion { BZKarte, GridKarte, Frequenz, Statistik, Transceiver, LogTracker, DBLog };
-inline constexpr int kCompanionCount = 7;
+enum class Companion {
+    BZKarte,
+    GridKarte,
+    Frequenz,
+    Statistik,
+    Transceiver,
+    LogTracker,
+    DBLog,
+    QsoRate,
+    FehlendeMulti
+};
+inline constexpr int kCompanionCount = 9;
 
 struct CompanionDef {
     Companion id;
@@ -45,7 +55,8 @@ struct CompanionDef {
     int defaultLeft;
 };
 
-// In reopening order: BZKarte, GridKarte, Frequenz, Statistik, Transceiver, LogTracker, DBLog.
+// In reopening order: BZKarte, GridKarte, Frequenz, Statistik, Transceiver, LogTracker, DBLog,
+// QsoRate, FehlendeMulti.
 const std::array<CompanionDef, kCompanionCount>& Companions();
 const CompanionDef& CompanionOf(Companion id);
 bool& OpenFlag(Model& m, Companion id);
