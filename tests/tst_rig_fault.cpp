@@ -95,8 +95,8 @@ void TestRigFault::rigctldKilledMidSessionLoggingGoesOn() {
 void TestRigFault::statusTextNeverReachesLoggedFields() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("3650000")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("3650000")));
     QTRY_COMPARE(f.FText(11)->text(), QStringLiteral("650"));
     f.daemon.Kill();
     QTRY_COMPARE_WITH_TIMEOUT(f.FLabel(3)->text(), QStringLiteral("OFFLINE"), 2000);
