@@ -46,9 +46,9 @@ private slots:
 void TestRigFault::rigctldKilledMidSessionLoggingGoesOn() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
     QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("LSB"), QStringLiteral("0")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("7050000")));
     QTRY_COMPARE(f.FText(10)->text(), QStringLiteral("050"));
     f.Type(QStringLiteral("OE1AAA"), 0, QStringLiteral("WI"));
     f.Type(QStringLiteral("OE1AAB"), 0, QStringLiteral("WI"));
