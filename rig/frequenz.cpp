@@ -252,12 +252,14 @@ void Frequenz::ShowStale(bool stale) {
     // A frequency no longer read is greyed and says so.
     for (QLabel* l : {label1_, label2_}) {
         QPalette p = l->palette();
-        p.setColor(QPalette::WindowText, stale ? QColor(128, 128, 128) : palette().color(QPalette::WindowText));
+        p.setColor(QPalette::WindowText,
+                   stale ? QColor(128, 128, 128) : palette().color(QPalette::WindowText));
         l->setPalette(p);
         l->setProperty("veraltet", stale);
     }
-    label1_->setToolTip(stale ? QStringLiteral("Aktuelle Frequenz: nicht mehr vom Transceiver gelesen (veraltet)")
-                              : QStringLiteral("Aktuelle Frequenz"));
+    label1_->setToolTip(
+        stale ? QStringLiteral("Aktuelle Frequenz: nicht mehr vom Transceiver gelesen (veraltet)")
+              : QStringLiteral("Aktuelle Frequenz"));
 }
 
 void Frequenz::ClearRigValues() {

@@ -46,8 +46,10 @@ bool NaturalLess(const QString& a, const QString& b) {
     while (i < a.size() && j < b.size()) {
         if (a[i].isDigit() && b[j].isDigit()) {
             int ei = i, ej = j;
-            while (ei < a.size() && a[ei].isDigit()) ++ei;
-            while (ej < b.size() && b[ej].isDigit()) ++ej;
+            while (ei < a.size() && a[ei].isDigit())
+                ++ei;
+            while (ej < b.size() && b[ej].isDigit())
+                ++ej;
             const QString na = a.mid(i, ei - i), nb = b.mid(j, ej - j);
             const qulonglong va = na.toULongLong(), vb = nb.toULongLong();
             if (va != vb) return va < vb;
@@ -169,7 +171,8 @@ QString CheckConfNames(int model, const QStringList& conf) {
         if (eq <= 0 || name.isEmpty())
             return QStringLiteral("Hamlib-Einstellung „%1“ ist nicht in der Form NAME=WERT.").arg(line);
         if (!probe.Knows(name.toLatin1()))
-            return QStringLiteral("Unbekannte Hamlib-Einstellung „%1“: das Modell kennt sie nicht.").arg(name);
+            return QStringLiteral("Unbekannte Hamlib-Einstellung „%1“: das Modell kennt sie nicht.")
+                .arg(name);
     }
     return QString();
 }

@@ -18,8 +18,12 @@ QString Section(int rigNumber) {
 
 RigConfig ReadRigConfig(const QString& iniFile, int rigNumber) {
     const QString sec = Section(rigNumber);
-    auto str = [&](const char* key) { return IniReadString(iniFile, sec, QString::fromLatin1(key)).trimmed(); };
-    auto num = [&](const char* key) { return std::max(0, int(IniReadInt(iniFile, sec, QString::fromLatin1(key)))); };
+    auto str = [&](const char* key) {
+        return IniReadString(iniFile, sec, QString::fromLatin1(key)).trimmed();
+    };
+    auto num = [&](const char* key) {
+        return std::max(0, int(IniReadInt(iniFile, sec, QString::fromLatin1(key))));
+    };
     RigConfig c;
     c.model = num("Model");
     c.port = IniReadString(iniFile, sec, QStringLiteral("Port"));
@@ -72,7 +76,8 @@ QList<QPair<QByteArray, QByteArray>> RigConfig::HamlibConf() const {
     add("civaddr", civAddr);
     for (const QString& line : conf) {
         const int eq = line.indexOf(QLatin1Char('='));
-        if (eq > 0) out.append({line.left(eq).trimmed().toLatin1(), line.mid(eq + 1).trimmed().toLocal8Bit()});
+        if (eq > 0)
+            out.append({line.left(eq).trimmed().toLatin1(), line.mid(eq + 1).trimmed().toLocal8Bit()});
     }
     return out;
 }

@@ -45,6 +45,7 @@ public:
             return;
         }
         QString err;
+        pttWritten_ = true;
         if (rig_.WritePtt(tx, &err)) {
             if (!tx) mustRelease_ = false;
         } else {
@@ -110,6 +111,8 @@ private:
             s.tx = rig_.Keyed() ? PM_TX : PM_RX;
         s.pttError = pttError_;
         pttError_.clear();
+        s.pttWritten = pttWritten_;
+        pttWritten_ = false;
         emit Polled(s);
     }
 
@@ -122,6 +125,7 @@ private:
     QTimer* timer_ = nullptr;
     bool pollPending_ = false;
     bool mustRelease_ = false;
+    bool pttWritten_ = false;
     QString pttError_;
 };
 
@@ -236,7 +240,8 @@ void RigControl::Apply(const RigSnapshot& s) {
     if (s2.freq != s_.freq) params |= PM_FREQ | PM_FREQA;
     if (s2.mode != s_.mode) params |= s2.mode != 0 ? s2.mode : PM_UNKNOWN;
     if (s2.split != s_.split && s2.split != 0) params |= s2.split;
-    if (s2.tx != s_.tx && s2.tx != 0) params |= s2.tx;
+    // After a PTT write the windows hear the rig's word even when nothing changed.
+    if ((s2.tx != s_.tx || s2.pttWritten) && s2.tx != 0) params |= s2.tx;
     s_ = next;
     if (statusChanged) emit StatusChanged();
     if (params != 0) emit ParamsChanged(params);
@@ -276,14 +281,16 @@ void RigControl::SetTx(int tx) {
     if ((tx != PM_TX && tx != PM_RX) || s_.status != ST_ONLINE || !worker_) return;
     keyedHere_ = tx == PM_TX;
     RigWorker* w = worker_;
-    QMetaObject::invokeMethod(w, [w, tx] { w->WritePtt(tx == PM_TX); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        w, [w, tx] { w->WritePtt(tx == PM_TX); }, Qt::QueuedConnection);
 }
 
 void RigControl::ReleasePtt() {
     keyedHere_ = false;
     if (!worker_) return;
     RigWorker* w = worker_;
-    QMetaObject::invokeMethod(w, [w] { w->ReleaseIfKeyed(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        w, [w] { w->ReleaseIfKeyed(); }, Qt::QueuedConnection);
 }
 
 RigEngine::RigEngine(const RigConfig& rig1, const RigConfig& rig2, int pollMs, QObject* parent)

@@ -40,10 +40,11 @@ struct RigSnapshot {
     int readable = 0;
     int writeable = 0;
     bool modeKnown = false;
-    QString error;    // why the rig is not online
-    QString pttError; // why the last PTT write was refused
+    QString error;                  // why the rig is not online
+    QString pttError;               // why the last PTT write was refused
     QMap<QString, QString> applied; // Hamlib's settings as read back at the last open
     int generation = 0;             // of the settings the worker ran on
+    bool pttWritten = false;        // a PTT write came before this reading
 };
 
 class RigControl : public QObject {

@@ -112,8 +112,10 @@ RigEinstellungen::RigEinstellungen(Model& m, Dialogs& dialogs, QWidget* parent)
     comboPort_->addItems(SerialPorts());
     comboSpeed_ = new QComboBox(this);
     comboSpeed_->setObjectName(QStringLiteral("ComboSpeed"));
-    comboDatenbits_ = Choices(this, "ComboDatenbits", {{kStandard, 0}, {QStringLiteral("7"), 7}, {QStringLiteral("8"), 8}});
-    comboStopbits_ = Choices(this, "ComboStopbits", {{kStandard, 0}, {QStringLiteral("1"), 1}, {QStringLiteral("2"), 2}});
+    comboDatenbits_ =
+        Choices(this, "ComboDatenbits", {{kStandard, 0}, {QStringLiteral("7"), 7}, {QStringLiteral("8"), 8}});
+    comboStopbits_ =
+        Choices(this, "ComboStopbits", {{kStandard, 0}, {QStringLiteral("1"), 1}, {QStringLiteral("2"), 2}});
     comboHandshake_ = Choices(this, "ComboHandshake",
                               {{kStandard, QString()},
                                {QStringLiteral("Kein"), QStringLiteral("None")},
@@ -198,7 +200,8 @@ void RigEinstellungen::Fill(const RigConfig& c) {
     // "Kein Transceiver" chosen before shows again; with nothing stored the network
     // rig is proposed.
     const bool noneChosen =
-        IniReadString(m_.IniPath, QStringLiteral("Rig1"), QStringLiteral("Model")).trimmed() == QLatin1String("0");
+        IniReadString(m_.IniPath, QStringLiteral("Rig1"), QStringLiteral("Model")).trimmed() ==
+        QLatin1String("0");
     SelectModel(c.model > 0 ? c.model : noneChosen ? 0 : kModelNetRigctl);
     if (c.model == kModelNetRigctl)
         textNetz_->setText(c.port);
@@ -246,8 +249,8 @@ void RigEinstellungen::Filter(const QString& text) {
         QListWidgetItem* item = listModelle_->item(i);
         const int model = item->data(Qt::UserRole).toInt();
         const RigModelInfo* info = FindModel(model);
-        const bool match = info ? ModelMatches(info->maker, info->name, text)
-                                : ModelMatches(QString(), item->text(), text);
+        const bool match =
+            info ? ModelMatches(info->maker, info->name, text) : ModelMatches(QString(), item->text(), text);
         item->setHidden(!match);
         if (match && !first) first = item;
     }
@@ -262,8 +265,8 @@ void RigEinstellungen::ModelChanged() {
     textNetz_->setEnabled(net);
     const int speed = comboSpeed_->currentData().toInt();
     FillSpeeds(model, speed);
-    for (QWidget* w : std::initializer_list<QWidget*>{comboPort_, comboSpeed_, comboDatenbits_, comboStopbits_,
-                                                      comboHandshake_, comboDTR_, comboRTS_})
+    for (QWidget* w : std::initializer_list<QWidget*>{comboPort_, comboSpeed_, comboDatenbits_,
+                                                      comboStopbits_, comboHandshake_, comboDTR_, comboRTS_})
         w->setEnabled(serial);
     for (QWidget* w : std::initializer_list<QWidget*>{comboPTT_, comboPTTPort_, textWeitere_, checkNurLesen_})
         w->setEnabled(model > 0);

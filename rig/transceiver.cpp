@@ -260,8 +260,9 @@ void Transceiver::StatusUpdate() {
     const bool online = rig_->Status() == ST_ONLINE;
     // A frequency no longer read is greyed and says so.
     labelTX_->setStyleSheet(online ? QString() : QStringLiteral("color: #808080;"));
-    labelTX_->setToolTip(online ? QStringLiteral("Aktuelle Frequenz")
-                                : QStringLiteral("Aktuelle Frequenz: nicht mehr vom Transceiver gelesen (veraltet)"));
+    labelTX_->setToolTip(
+        online ? QStringLiteral("Aktuelle Frequenz")
+               : QStringLiteral("Aktuelle Frequenz: nicht mehr vom Transceiver gelesen (veraltet)"));
     if (!online) ShowPtt(); // the rig no longer transmits for us
 }
 
@@ -320,9 +321,10 @@ void Transceiver::PaintSteps() {
 }
 
 void Transceiver::PaintCheck(QCheckBox* c, bool on, const char* onBackground) {
-    c->setStyleSheet(Colours(
-        "QCheckBox", on ? QStringLiteral("color: #000000; background-color: %1;").arg(QLatin1String(onBackground))
-                        : kNotSelected));
+    c->setStyleSheet(
+        Colours("QCheckBox",
+                on ? QStringLiteral("color: #000000; background-color: %1;").arg(QLatin1String(onBackground))
+                   : kNotSelected));
 }
 
 void Transceiver::Command5Click(int band) {

@@ -47,7 +47,8 @@ public:
     bool Start(const QStringList& extra = {}) {
         proc_.setProgram(QStringLiteral("rigctld"));
         proc_.setArguments(QStringList{QStringLiteral("-m"), QStringLiteral("1"), QStringLiteral("-T"),
-                                       QStringLiteral("127.0.0.1"), QStringLiteral("-t"), QString::number(port_)} +
+                                       QStringLiteral("127.0.0.1"), QStringLiteral("-t"),
+                                       QString::number(port_)} +
                            extra);
         proc_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         proc_.start();
@@ -71,8 +72,12 @@ public:
         Kill();
     }
     // Stops and continues the daemon (SIGSTOP, SIGCONT): a rig that stops answering.
-    bool Pause() { return proc_.state() != QProcess::NotRunning && ::kill(pid_t(proc_.processId()), SIGSTOP) == 0; }
-    bool Resume() { return proc_.state() != QProcess::NotRunning && ::kill(pid_t(proc_.processId()), SIGCONT) == 0; }
+    bool Pause() {
+        return proc_.state() != QProcess::NotRunning && ::kill(pid_t(proc_.processId()), SIGSTOP) == 0;
+    }
+    bool Resume() {
+        return proc_.state() != QProcess::NotRunning && ::kill(pid_t(proc_.processId()), SIGCONT) == 0;
+    }
     int Port() const { return port_; }
     QString Address() const { return QStringLiteral("127.0.0.1:%1").arg(port_); }
     // Runs rigctl against the daemon ("F", "7050000" or "M", "USB", "0").

@@ -4,8 +4,8 @@
 #include "rig/rig_settings.h"
 #include "rig_window_support.h"
 
-#include <QPushButton>
 #include <QComboBox>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QtTest>
@@ -633,7 +633,9 @@ void TestFrequenz::offlineSaysWhyAndSinceWhenAndFrequencyIsStale() {
     QTRY_VERIFY(grund->text().contains(QStringLiteral("abgelehnt")) ||
                 grund->text().contains(QStringLiteral("Keine Antwort")));
     QVERIFY(grund->isVisible());
-    QVERIFY(QRegularExpression(QStringLiteral("\\(seit \\d\\d:\\d\\d:\\d\\d UTC\\)$")).match(grund->text()).hasMatch());
+    QVERIFY(QRegularExpression(QStringLiteral("\\(seit \\d\\d:\\d\\d:\\d\\d UTC\\)$"))
+                .match(grund->text())
+                .hasMatch());
     QCOMPARE(f.FLabel(1)->property("veraltet").toBool(), true);
     QVERIFY(f.FLabel(1)->toolTip().contains(QStringLiteral("veraltet")));
     QVERIFY(f.FLabel(1)->palette().color(QPalette::WindowText) == QColor(128, 128, 128));

@@ -9,9 +9,9 @@
 
 #include <QSignalSpy>
 #include <QtTest>
+#include <atomic>
 #include <cmath>
 #include <hamlib/rig.h>
-#include <atomic>
 #include <limits>
 #include <pty.h>
 #include <thread>
@@ -449,7 +449,8 @@ void TestRigEngine::cliConfReachesHamlibAndUnknownNameIsRefused() {
     QVERIFY(daemon.Start());
     QVERIFY(daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
     QVERIFY(daemon.Set({QStringLiteral("M"), QStringLiteral("CW"), QStringLiteral("0")}));
-    const QStringList rig{QStringLiteral("--model"), QStringLiteral("2"), QStringLiteral("--port"), daemon.Address()};
+    const QStringList rig{QStringLiteral("--model"), QStringLiteral("2"), QStringLiteral("--port"),
+                          daemon.Address()};
     const CliRun ok = RunCli(rig + QStringList{QStringLiteral("--conf"), QStringLiteral("timeout=800"),
                                                QStringLiteral("--conf"), QStringLiteral("ptt_type=RIG")},
                              home.dir.path());
@@ -548,7 +549,8 @@ void TestRigEngine::offlineReasonNoAnswer() {
     QVERIFY(engine);
     QTRY_VERIFY_WITH_TIMEOUT(!engine->Rig1()->OfflineReason().isEmpty(), 5000);
     const QString reason = engine->Rig1()->OfflineReason();
-    QVERIFY2(reason.contains(QStringLiteral("antwortet nicht")) || reason.contains(QStringLiteral("Keine Antwort")),
+    QVERIFY2(reason.contains(QStringLiteral("antwortet nicht")) ||
+                 reason.contains(QStringLiteral("Keine Antwort")),
              qPrintable(reason));
     QVERIFY(engine->Rig1()->OfflineSince().isValid());
     QVERIFY(engine->Rig1()->StatusLine().contains(QStringLiteral(" UTC)")));

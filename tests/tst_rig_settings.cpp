@@ -117,7 +117,8 @@ void TestRigSettings::modelListSortedWithSearch() {
                 list->item(i - 1)
                         ->text()
                         .section(QLatin1Char(' '), 0, 0)
-                        .compare(list->item(i)->text().section(QLatin1Char(' '), 0, 0), Qt::CaseInsensitive) < 0);
+                        .compare(list->item(i)->text().section(QLatin1Char(' '), 0, 0), Qt::CaseInsensitive) <
+                    0);
     w.show();
     QTest::keyClicks(Edit(w, "TextSuche"), QStringLiteral("dummy"));
     QVERIFY(VisibleRows(list) >= 1);
@@ -280,13 +281,14 @@ void TestRigSettings::everySettingStoredAndReachesHamlib() {
     Combo(w, "ComboPTTPort")->setEditText(QString());
     QTest::keyClicks(Combo(w, "ComboPTTPort"), ptt.Name());
     QTest::keyClicks(Edit(w, "TextCIV"), QStringLiteral("0x5E"));
-    QTest::keyClicks(w.findChild<QPlainTextEdit*>(QStringLiteral("TextWeitere")), QStringLiteral("write_delay=5"));
+    QTest::keyClicks(w.findChild<QPlainTextEdit*>(QStringLiteral("TextWeitere")),
+                     QStringLiteral("write_delay=5"));
     QTest::mouseClick(Button(w, "CommandOK"), Qt::LeftButton);
     QCOMPARE(w.result(), int(QDialog::Accepted));
     const QByteArray ini = ReadBytes(home.model.IniPath);
-    for (const char* line : {"Model=3073\r\n", "Speed=19200\r\n", "DataBits=8\r\n", "StopBits=2\r\n",
-                             "Handshake=None\r\n", "DTR=ON\r\n", "RTS=OFF\r\n", "PTT=DTR\r\n", "CIV=0x5E\r\n",
-                             "Conf=write_delay=5\r\n"})
+    for (const char* line :
+         {"Model=3073\r\n", "Speed=19200\r\n", "DataBits=8\r\n", "StopBits=2\r\n", "Handshake=None\r\n",
+          "DTR=ON\r\n", "RTS=OFF\r\n", "PTT=DTR\r\n", "CIV=0x5E\r\n", "Conf=write_delay=5\r\n"})
         QVERIFY2(ini.contains(line), line);
     QVERIFY(ini.contains("PTTPort=" + ptt.Name().toLocal8Bit() + "\r\n"));
     // The next window shows them again.

@@ -83,8 +83,12 @@ void TestTransceiver::digitalUpperSelectsRow4AndUnknownModeRow8() {
     QVERIFY(t);
     QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("PKTUSB"), QStringLiteral("0")}));
     QTRY_COMPARE(t->ModeRow(), 4);
-    QVERIFY(Btn(t, QStringLiteral("Option1_4"))->styleSheet().contains(QStringLiteral("color: #000000; background-color: #FFFF00;")));
-    QVERIFY(Btn(t, QStringLiteral("Option1_0"))->styleSheet().contains(QStringLiteral("color: #FFFF00; background-color: #000000;")));
+    QVERIFY(Btn(t, QStringLiteral("Option1_4"))
+                ->styleSheet()
+                .contains(QStringLiteral("color: #000000; background-color: #FFFF00;")));
+    QVERIFY(Btn(t, QStringLiteral("Option1_0"))
+                ->styleSheet()
+                .contains(QStringLiteral("color: #FFFF00; background-color: #000000;")));
     QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("RTTY"), QStringLiteral("0")}));
     QTRY_COMPARE(t->ModeRow(), 8);
 }
@@ -223,7 +227,9 @@ void TestTransceiver::modeChoiceWritesModeAndColours() {
     Transceiver* t = Open(f);
     QTest::mouseClick(Btn(t, QStringLiteral("Option1_1")), Qt::LeftButton);
     QTRY_COMPARE(f.daemon.Get(QStringLiteral("m")), QStringLiteral("CWR"));
-    QVERIFY(Btn(t, QStringLiteral("Option1_1"))->styleSheet().contains(QStringLiteral("color: #000000; background-color: #FFFF00;")));
+    QVERIFY(Btn(t, QStringLiteral("Option1_1"))
+                ->styleSheet()
+                .contains(QStringLiteral("color: #000000; background-color: #FFFF00;")));
     QTest::mouseClick(Btn(t, QStringLiteral("Option1_7")), Qt::LeftButton);
     QTRY_COMPARE(f.daemon.Get(QStringLiteral("m")), QStringLiteral("FM"));
     QTest::mouseClick(Btn(t, QStringLiteral("Option1_8")), Qt::LeftButton); // never written
@@ -334,9 +340,10 @@ void TestTransceiver::statusTextAndCaptions() {
     QCOMPARE(Btn(t, QStringLiteral("Option2_4"))->text(), QStringLiteral("10 kHz"));
     QCOMPARE(Btn(t, QStringLiteral("Option1_5"))->text(), QStringLiteral("DIG-L"));
     f.daemon.Kill();
-    QTRY_VERIFY_WITH_TIMEOUT(
-        Get<QLabel>(t, QStringLiteral("Label8"))->text().startsWith(QStringLiteral("Transceiver antwortet nicht")),
-        2000);
+    QTRY_VERIFY_WITH_TIMEOUT(Get<QLabel>(t, QStringLiteral("Label8"))
+                                 ->text()
+                                 .startsWith(QStringLiteral("Transceiver antwortet nicht")),
+                             2000);
 }
 
 void TestTransceiver::panelBandKeyReachesFrequencyWindow() {
@@ -440,7 +447,8 @@ void TestTransceiver::switchingRigReleasesPtt() {
     QVERIFY(t);
     ClickBar(Ptt(t));
     QTRY_COMPARE(f.daemon.Get(QStringLiteral("t")), QStringLiteral("1"));
-    LiveEngine()->Rig1()->Reconfigure({kModelNetRigctl, QStringLiteral("127.0.0.1:%1").arg(FreeLoopbackPort()), 0});
+    LiveEngine()->Rig1()->Reconfigure(
+        {kModelNetRigctl, QStringLiteral("127.0.0.1:%1").arg(FreeLoopbackPort()), 0});
     QTRY_COMPARE(f.daemon.Get(QStringLiteral("t")), QStringLiteral("0"));
     QVERIFY(!Ptt(t)->isChecked());
 }
@@ -539,8 +547,11 @@ void TestTransceiver::offlineSaysWhyAndSinceWhen() {
     QVERIFY(t);
     auto* label8 = Get<QLabel>(t, QStringLiteral("Label8"));
     QTRY_VERIFY(label8->text().contains(QStringLiteral("abgelehnt")));
-    QVERIFY(label8->text().startsWith(QStringLiteral("Transceiver antwortet nicht: Verbindung zu 127.0.0.1:")));
-    QVERIFY(QRegularExpression(QStringLiteral("\\(seit \\d\\d:\\d\\d:\\d\\d UTC\\)$")).match(label8->text()).hasMatch());
+    QVERIFY(
+        label8->text().startsWith(QStringLiteral("Transceiver antwortet nicht: Verbindung zu 127.0.0.1:")));
+    QVERIFY(QRegularExpression(QStringLiteral("\\(seit \\d\\d:\\d\\d:\\d\\d UTC\\)$"))
+                .match(label8->text())
+                .hasMatch());
 }
 
 void TestTransceiver::switchingToDeadRigLeavesNoOldValue() {
@@ -552,7 +563,8 @@ void TestTransceiver::switchingToDeadRigLeavesNoOldValue() {
     auto* labelTX = Get<QLabel>(t, QStringLiteral("LabelTX"));
     QTRY_COMPARE(labelTX->text(), QStringLiteral("14.070.000"));
     QTRY_COMPARE(t->ModeRow(), 2);
-    LiveEngine()->Rig1()->Reconfigure({kModelNetRigctl, QStringLiteral("127.0.0.1:%1").arg(FreeLoopbackPort()), 0});
+    LiveEngine()->Rig1()->Reconfigure(
+        {kModelNetRigctl, QStringLiteral("127.0.0.1:%1").arg(FreeLoopbackPort()), 0});
     QCOMPARE(labelTX->text(), QStringLiteral("0.000.000"));
     QCOMPARE(t->ModeRow(), -1);
     QTest::qWait(300);
