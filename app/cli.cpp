@@ -9,7 +9,9 @@
 //   kolibrino-cli rate FILE                          contacts per 10 minutes of both periods
 //   kolibrino-cli needed FILE                        districts and states still missing
 //   kolibrino-cli cabrillo|adif|check|upload FILE    export, check, send (app/cli_export.cpp)
-//   kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD]   rig 1 read once
+//   kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD] [--conf NAME=WERT]...
+//                                                                 rig 1 read once
+//   kolibrino-cli rig --models TEXT                               Hamlib's models
 //   kolibrino-cli partial FILE TEXT BAND MODE TIME   the partial-call list, one entry a line
 //   kolibrino-cli update --check|--install [--server HOST[:PORT]]   see cli_upkeep.cpp
 //   kolibrino-cli delete FILE ROW                    deletes a contact (row of the time sort)
@@ -59,7 +61,8 @@ int Usage() {
                "  kolibrino-cli upload DATEI [--server HOST[:PORT]]\n"
                "  kolibrino-cli delete DATEI ZEILE\n"
                "  kolibrino-cli edit DATEI ZEILE FELD=WERT...\n"
-               "  kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD]\n"
+               "  kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD] [--conf NAME=WERT]...\n"
+               "  kolibrino-cli rig --models TEXT\n"
                "  kolibrino-cli partial DATEI TEXT BAND MODE ZEIT\n"
                "  kolibrino-cli update --check|--install [--server HOST[:PORT]]\n"
                "  kolibrino-cli --version\n",

@@ -60,12 +60,17 @@ Frequenz::Frequenz(HauptForm& main, Model& m, Dialogs& dialogs, int pollMs)
     label3_ = new QLabel(QStringLiteral("OFFLINE"), picture2_);
     label3_->setObjectName(QStringLiteral("Label3"));
     label3_->setAutoFillBackground(true);
+    labelGrund_ = new QLabel(picture2_);
+    labelGrund_->setObjectName(QStringLiteral("LabelGrund"));
+    labelGrund_->setWordWrap(true);
+    labelGrund_->hide();
     command1_ = new QPushButton(QStringLiteral("Omnirig Konfigurieren"), picture2_);
     command1_->setObjectName(QStringLiteral("Command1"));
     p2->addWidget(label1_, 0, 0, 1, 2);
     p2->addWidget(label2_, 1, 0);
     p2->addWidget(label3_, 1, 1);
     p2->addWidget(command1_, 2, 0, 1, 2);
+    p2->addWidget(labelGrund_, 3, 0, 1, 2);
     top->addWidget(picture2_);
 
     frame2_ = new QGroupBox(QStringLiteral("Band/Freq. Wahl"), this);
@@ -123,6 +128,7 @@ Frequenz::~Frequenz() {
 
 void Frequenz::Load() {
     RestoreWindowPos(this, kSection);
+    opening_ = true;
     Connect();
     auto stored = [](const char* key, int def) {
         const int v = int(IniReadInt({}, kSection, QString::fromLatin1(key)));
@@ -173,6 +179,7 @@ void Frequenz::Connect() {
         connect(engine_.get(), &RigEngine::ParamsChange, this, &Frequenz::ParamsChange);
         rigNumber_ = 1;
         rig_ = engine_->Rig1();
+        shownGeneration_ = rig_->Generation();
         StatusUpdate();
         ParamsUpdate();
         return;
@@ -207,6 +214,11 @@ void Frequenz::SetLabel3Colour(const QColor& c) {
 
 void Frequenz::StatusUpdate() {
     if (!rig_) return;
+    if (rig_->Generation() != shownGeneration_) {
+        // Another rig now: nothing of the old one stays on screen.
+        shownGeneration_ = rig_->Generation();
+        ClearRigValues();
+    }
     if (rig_->Status() != ST_ONLINE) {
         timer1_.start();
         dialogs_.Beep();
@@ -214,13 +226,46 @@ void Frequenz::StatusUpdate() {
         SetLabel3Colour(kRed);
         blinkRed_ = true;
         label3_->setToolTip(QStringLiteral("Verbindung zu Transceiver unterbrochen!"));
+        labelGrund_->setText(rig_->StatusLine());
+        labelGrund_->show();
+        ShowStale(true);
     } else {
         blink_ = 0;
         timer1_.stop();
         label3_->setText(QStringLiteral("ONLINE"));
         SetLabel3Colour(kGreen);
         label3_->setToolTip(QStringLiteral("Verbindung zu Transceiver hergestellt!"));
+        labelGrund_->clear();
+        labelGrund_->hide();
+        ShowStale(false);
+        if (pendingBand_ >= 0) {
+            // The band the operator chose while the rig was away goes to the rig first.
+            const int band = pendingBand_;
+            pendingBand_ = -1;
+            FreqALT(band, pendingModeRow_);
+        }
+        ParamsUpdate();
     }
+}
+
+void Frequenz::ShowStale(bool stale) {
+    // A frequency no longer read is greyed and says so.
+    for (QLabel* l : {label1_, label2_}) {
+        QPalette p = l->palette();
+        p.setColor(QPalette::WindowText,
+                   stale ? QColor(128, 128, 128) : palette().color(QPalette::WindowText));
+        l->setPalette(p);
+        l->setProperty("veraltet", stale);
+    }
+    label1_->setToolTip(
+        stale ? QStringLiteral("Aktuelle Frequenz: nicht mehr vom Transceiver gelesen (veraltet)")
+              : QStringLiteral("Aktuelle Frequenz"));
+}
+
+void Frequenz::ClearRigValues() {
+    label1_->setText(FormatFrequency(0));
+    label2_->clear();
+    awaitFreq_ = 0;
 }
 
 void Frequenz::Timer1Tick() {
@@ -233,13 +278,27 @@ void Frequenz::Timer1Tick() {
     SetLabel3Colour(blinkRed_ ? kRed : label3_->palette().color(QPalette::Window));
 }
 
+bool Frequenz::AwaitingWrite() {
+    if (awaitFreq_ == 0) return false;
+    if (rig_ && rig_->ShownFreq() == awaitFreq_) {
+        awaitFreq_ = 0;
+        return false;
+    }
+    if (awaitClock_.isValid() && awaitClock_.elapsed() > 2000) {
+        awaitFreq_ = 0; // the rig did not take it: its own band counts again
+        return false;
+    }
+    return true;
+}
+
 void Frequenz::ParamsUpdate() {
-    if (!rig_) return;
+    // A rig that does not answer changes nothing on screen: a failed read is dropped.
+    if (!rig_ || rig_->Status() != ST_ONLINE) return;
     const int f = rig_->ShownFreq();
     const int mode = rig_->Mode();
     label1_->setText(FormatFrequency(f));
     const int band = ContestBandOf(f);
-    if (band >= 0) {
+    if (band >= 0 && !opening_ && !AwaitingWrite()) {
         KhzField(band)->setText(KilohertzText(band, f));
         (band == 0 ? BQRG40 : band == 1 ? BQRG80 : BQRG30) = f;
         SelectOption1(band);
@@ -247,8 +306,12 @@ void Frequenz::ParamsUpdate() {
     label2_->setText(ModeLabel(mode));
     const int row = ModeBoxRow(mode);
     if (QComboBox* combo2 = MainCombo(main_, "Combo2"); combo2 && row >= 0 && combo2->currentIndex() != row) {
+        // The log takes the rig's mode (CWR as CW, USB on 40 m as phone); the rig is
+        // not written back.
+        modeFromRig_ = true;
         combo2->setCurrentIndex(row);
         emit combo2->activated(row); // the box's own click: reports follow the mode
+        modeFromRig_ = false;
     }
 }
 
@@ -271,6 +334,7 @@ void Frequenz::Option1Click(int index) {
 }
 
 void Frequenz::MainBandClick(int band) {
+    opening_ = false;
     bandSetByMain_ = true;
     SelectOption1(band);
     const QComboBox* combo2 = MainCombo(main_, "Combo2");
@@ -280,6 +344,14 @@ void Frequenz::MainBandClick(int band) {
 
 void Frequenz::FreqALT(int band, int modeRow) {
     if (!engine_ || !rig_) return;
+    if (rig_->Status() != ST_ONLINE) {
+        // Not connected yet: the rig gets this band as soon as it answers.
+        if (band >= 0 && band <= 2 && !rig_->ReadOnly()) {
+            pendingBand_ = band;
+            pendingModeRow_ = modeRow;
+        }
+        return;
+    }
     int f = 0;
     switch (band) {
     case 0:
@@ -294,6 +366,10 @@ void Frequenz::FreqALT(int band, int modeRow) {
     default:
         return;
     }
+    if (!rig_->ReadOnly() && (rig_->IsParamWriteable(PM_FREQ) || rig_->IsParamWriteable(PM_FREQA))) {
+        awaitFreq_ = f;
+        awaitClock_.start();
+    }
     if (rig_->IsParamWriteable(PM_FREQ))
         rig_->SetFreq(f);
     else if (rig_->IsParamWriteable(PM_FREQA))
@@ -306,7 +382,7 @@ void Frequenz::FreqALT(int band, int modeRow) {
 }
 
 void Frequenz::SetMode(int modeRow) {
-    if (!engine_ || !rig_) return;
+    if (!engine_ || !rig_ || modeFromRig_) return;
     if (modeRow == 0)
         rig_->SetMode(option1_[2]->isChecked() ? PM_SSB_U : PM_SSB_L);
     else if (modeRow == 1)

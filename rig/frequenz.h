@@ -14,6 +14,7 @@
 #include "core/log_model.h"
 #include "rig/rig_engine.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
@@ -42,6 +43,8 @@ public:
     ~Frequenz() override;
 
     // Restores the position, connects to the rig, fills the fields, marks it open.
+    // Until the main window's band box click that follows (MainBandClick) the rig's
+    // band does not move the main window's band.
     void Load();
 
     // Last frequency per band in Hz.
@@ -89,6 +92,9 @@ private:
     void Unload();
     QLineEdit* KhzField(int band) const;
     void SetLabel3Colour(const QColor& c);
+    void ShowStale(bool stale);
+    void ClearRigValues();
+    bool AwaitingWrite();
 
     HauptForm& main_;
     Model& m_;
@@ -101,6 +107,19 @@ private:
     bool blinkRed_ = true;
     bool bandSetByMain_ = false;
     bool unloaded_ = false;
+    // Opening: the rig's old band must not move the main window's band before the
+    // main window's band box has told the rig its band.
+    bool opening_ = false;
+    // A band the main window gave while the rig was not online yet: written when it is.
+    int pendingBand_ = -1;
+    int pendingModeRow_ = 0;
+    // A frequency written to the rig: its band detection waits until the rig reports
+    // it (or two seconds passed), so an answer from before the write cannot undo it.
+    int awaitFreq_ = 0;
+    QElapsedTimer awaitClock_;
+    // The mode box set from the rig's mode: the rig is not written back.
+    bool modeFromRig_ = false;
+    int shownGeneration_ = -1;
     QTimer timer1_;
     QPointer<QAction> menuEntry_;
 
@@ -109,6 +128,7 @@ private:
     QLabel* label1_ = nullptr;
     QLabel* label2_ = nullptr;
     QLabel* label3_ = nullptr;
+    QLabel* labelGrund_ = nullptr;
     QPushButton* command1_ = nullptr;
     QGroupBox* frame2_ = nullptr;
     std::array<QRadioButton*, 3> option1_{};

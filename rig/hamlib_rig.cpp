@@ -3,6 +3,7 @@
 #include "core/settings.h"
 #include "rig/rig_params.h"
 
+#include <QFileInfo>
 #include <algorithm>
 #include <hamlib/rig.h>
 #include <mutex>
@@ -16,24 +17,69 @@ QString Section(int rigNumber) {
 } // namespace
 
 RigConfig ReadRigConfig(const QString& iniFile, int rigNumber) {
+    const QString sec = Section(rigNumber);
+    auto str = [&](const char* key) {
+        return IniReadString(iniFile, sec, QString::fromLatin1(key)).trimmed();
+    };
+    auto num = [&](const char* key) {
+        return std::max(0, int(IniReadInt(iniFile, sec, QString::fromLatin1(key))));
+    };
     RigConfig c;
-    c.model = int(IniReadInt(iniFile, Section(rigNumber), QStringLiteral("Model")));
-    c.port = IniReadString(iniFile, Section(rigNumber), QStringLiteral("Port"));
-    c.speed = int(IniReadInt(iniFile, Section(rigNumber), QStringLiteral("Speed")));
-    if (c.model < 0) c.model = 0;
-    if (c.speed < 0) c.speed = 0;
+    c.model = num("Model");
+    c.port = IniReadString(iniFile, sec, QStringLiteral("Port"));
+    c.speed = num("Speed");
+    c.dataBits = num("DataBits");
+    c.stopBits = num("StopBits");
+    c.handshake = str("Handshake");
+    c.dtr = str("DTR");
+    c.rts = str("RTS");
+    c.ptt = str("PTT");
+    c.pttPort = str("PTTPort");
+    c.civAddr = str("CIV");
+    for (const QString& line : str("Conf").split(QLatin1Char(';'), Qt::SkipEmptyParts))
+        if (!line.trimmed().isEmpty()) c.conf << line.trimmed();
+    c.readOnly = IniReadInt(iniFile, sec, QStringLiteral("NurLesen")) != 0;
     return c;
 }
 
 void WriteRigConfig(const QString& iniFile, int rigNumber, const RigConfig& config) {
-    IniWrite(iniFile, Section(rigNumber), QStringLiteral("Model"), config.model);
-    IniWrite(iniFile, Section(rigNumber), QStringLiteral("Port"), config.port);
-    IniWrite(iniFile, Section(rigNumber), QStringLiteral("Speed"), config.speed);
+    const QString sec = Section(rigNumber);
+    IniWrite(iniFile, sec, QStringLiteral("Model"), config.model);
+    IniWrite(iniFile, sec, QStringLiteral("Port"), config.port);
+    IniWrite(iniFile, sec, QStringLiteral("Speed"), config.speed);
+    IniWrite(iniFile, sec, QStringLiteral("DataBits"), config.dataBits);
+    IniWrite(iniFile, sec, QStringLiteral("StopBits"), config.stopBits);
+    IniWrite(iniFile, sec, QStringLiteral("Handshake"), config.handshake);
+    IniWrite(iniFile, sec, QStringLiteral("DTR"), config.dtr);
+    IniWrite(iniFile, sec, QStringLiteral("RTS"), config.rts);
+    IniWrite(iniFile, sec, QStringLiteral("PTT"), config.ptt);
+    IniWrite(iniFile, sec, QStringLiteral("PTTPort"), config.pttPort);
+    IniWrite(iniFile, sec, QStringLiteral("CIV"), config.civAddr);
+    IniWrite(iniFile, sec, QStringLiteral("Conf"), config.conf.join(QLatin1Char(';')));
+    IniWrite(iniFile, sec, QStringLiteral("NurLesen"), config.readOnly ? -1 : 0);
 }
 
-void HamlibQuiet() {
-    static std::once_flag once;
-    std::call_once(once, [] { rig_set_debug(RIG_DEBUG_NONE); });
+QList<QPair<QByteArray, QByteArray>> RigConfig::HamlibConf() const {
+    QList<QPair<QByteArray, QByteArray>> out;
+    auto add = [&out](const char* name, const QString& value) {
+        if (!value.isEmpty()) out.append({QByteArray(name), value.toLocal8Bit()});
+    };
+    add("rig_pathname", port);
+    if (speed > 0) add("serial_speed", QString::number(speed));
+    if (dataBits > 0) add("data_bits", QString::number(dataBits));
+    if (stopBits > 0) add("stop_bits", QString::number(stopBits));
+    add("serial_handshake", handshake);
+    add("dtr_state", dtr);
+    add("rts_state", rts);
+    add("ptt_type", ptt);
+    add("ptt_pathname", pttPort);
+    add("civaddr", civAddr);
+    for (const QString& line : conf) {
+        const int eq = line.indexOf(QLatin1Char('='));
+        if (eq > 0)
+            out.append({line.left(eq).trimmed().toLatin1(), line.mid(eq + 1).trimmed().toLocal8Bit()});
+    }
+    return out;
 }
 
 QString HamlibErrorText(int code) {
@@ -92,6 +138,11 @@ HamlibRig::~HamlibRig() {
 
 void HamlibRig::Release() {
     if (!rig_) return;
+    // A PTT we keyed is let go before the rig is.
+    if (open_ && keyed_) WritePtt(false);
+    PttReleased(rig_);
+    keyed_ = false;
+    std::lock_guard<std::recursive_mutex> hold(HamlibLock());
     if (open_) rig_close(rig_);
     rig_cleanup(rig_);
     rig_ = nullptr;
@@ -105,22 +156,57 @@ void HamlibRig::Close() {
 
 QString HamlibRig::Open(const RigConfig& config, int timeoutMs) {
     Release();
+    applied_.clear();
     if (!config.Configured()) return StatusText(ST_NOTCONFIGURED);
+    HamlibModels(); // back ends loaded once, under the lock
+    std::unique_lock<std::recursive_mutex> hold(HamlibLock());
     rig_ = rig_init(rig_model_t(config.model));
     if (!rig_) return QStringLiteral("Unbekanntes Transceiver-Modell %1").arg(config.model);
-    auto conf = [this](const char* name, const QByteArray& value) {
+    auto conf = [this](const char* name, const QByteArray& value) -> int {
         const token_t t = rig_token_lookup(rig_, name);
-        if (t != RIG_CONF_END) rig_set_conf(rig_, t, value.constData());
+        if (t == RIG_CONF_END) return -RIG_EINVAL;
+        return rig_set_conf(rig_, t, value.constData());
     };
-    if (!config.port.isEmpty()) conf("rig_pathname", config.port.toLocal8Bit());
-    if (config.speed > 0) conf("serial_speed", QByteArray::number(config.speed));
     conf("timeout", QByteArray::number(timeoutMs));
     conf("retry", "0");
     // The simulator switches its PTT only when told the PTT goes through the rig.
-    if (config.model == kModelDummy) conf("ptt_type", "RIG");
+    if (config.model == kModelDummy && config.ptt.isEmpty()) conf("ptt_type", "RIG");
+    QString refused;
+    for (const auto& [name, value] : config.HamlibConf()) {
+        if (rig_token_lookup(rig_, name.constData()) == RIG_CONF_END) {
+            refused = QStringLiteral("Unbekannte Hamlib-Einstellung „%1“: das Modell kennt sie nicht.")
+                          .arg(QString::fromLatin1(name));
+            break;
+        }
+        if (const int rc = conf(name.constData(), value); rc != RIG_OK) {
+            refused = QStringLiteral("Hamlib lehnt die Einstellung %1=%2 ab: %3")
+                          .arg(QString::fromLatin1(name), QString::fromLocal8Bit(value), HamlibErrorText(rc));
+            break;
+        }
+        applied_.insert(QString::fromLatin1(name), ConfValue(name));
+    }
+    if (!refused.isEmpty()) {
+        rig_cleanup(rig_);
+        rig_ = nullptr;
+        return refused;
+    }
+    const QString port = config.port.trimmed();
+    if (config.model != kModelNetRigctl && port.startsWith(QLatin1Char('/')) && !QFileInfo::exists(port)) {
+        rig_cleanup(rig_);
+        rig_ = nullptr;
+        return QStringLiteral("Schnittstelle %1 fehlt").arg(port);
+    }
+    if (const QString pttPort = config.pttPort.trimmed();
+        pttPort.startsWith(QLatin1Char('/')) && !QFileInfo::exists(pttPort)) {
+        rig_cleanup(rig_);
+        rig_ = nullptr;
+        return QStringLiteral("PTT-Schnittstelle %1 fehlt").arg(pttPort);
+    }
     const int rc = rig_open(rig_);
     if (rc != RIG_OK) {
-        const QString text = HamlibErrorText(rc);
+        QString text = HamlibErrorText(rc);
+        if (config.model == kModelNetRigctl && (rc == -RIG_EIO || rc == RIG_EIO))
+            text = QStringLiteral("Verbindung zu %1 abgelehnt").arg(port);
         rig_cleanup(rig_);
         rig_ = nullptr;
         return text;
@@ -200,33 +286,31 @@ bool HamlibRig::WriteSplit(bool on) {
                              on ? RIG_VFO_B : RIG_VFO_A) == RIG_OK;
 }
 
-bool HamlibRig::WritePtt(bool tx) {
-    if (!open_) return false;
-    return rig_set_ptt(rig_, RIG_VFO_CURR, tx ? RIG_PTT_ON : RIG_PTT_OFF) == RIG_OK;
+bool HamlibRig::WritePtt(bool tx, QString* error) {
+    if (!open_) {
+        if (error) *error = StatusText(ST_NOTRESPONDING);
+        return false;
+    }
+    if (tx) PttKeyed(rig_); // noted before the rig goes to transmit
+    const int rc = rig_set_ptt(rig_, RIG_VFO_CURR, tx ? RIG_PTT_ON : RIG_PTT_OFF);
+    if (rc == RIG_OK) {
+        keyed_ = tx;
+        if (!tx) PttReleased(rig_);
+        return true;
+    }
+    if (tx && !keyed_) PttReleased(rig_);
+    if (error) *error = HamlibErrorText(rc);
+    return false;
 }
 
-namespace {
-int CollectModel(const struct rig_caps* caps, rig_ptr_t data) {
-    auto* list = static_cast<std::vector<RigModelInfo>*>(data);
-    list->push_back({int(caps->rig_model), QString::fromLatin1(caps->mfg_name),
-                     QString::fromLatin1(caps->model_name), caps->serial_rate_min, caps->serial_rate_max});
-    return 1;
-}
-} // namespace
-
-std::vector<RigModelInfo> HamlibModels() {
-    HamlibQuiet();
-    static std::once_flag once;
-    std::call_once(once, [] { rig_load_all_backends(); });
-    std::vector<RigModelInfo> list;
-    rig_list_foreach(CollectModel, &list);
-    std::sort(list.begin(), list.end(), [](const RigModelInfo& a, const RigModelInfo& b) {
-        const int c = QString::compare(a.maker, b.maker, Qt::CaseInsensitive);
-        if (c != 0) return c < 0;
-        const int d = QString::compare(a.name, b.name, Qt::CaseInsensitive);
-        return d != 0 ? d < 0 : a.model < b.model;
-    });
-    return list;
+QString HamlibRig::ConfValue(const QByteArray& name) const {
+    if (!rig_) return QString();
+    std::lock_guard<std::recursive_mutex> hold(HamlibLock());
+    const token_t t = rig_token_lookup(rig_, name.constData());
+    if (t == RIG_CONF_END) return QString();
+    char value[256] = {0};
+    if (rig_get_conf2(rig_, t, value, int(sizeof value)) != RIG_OK) return QString();
+    return QString::fromLocal8Bit(value);
 }
 
 } // namespace kolibrino::rig

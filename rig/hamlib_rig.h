@@ -8,6 +8,11 @@
 // Hamlib waits for the rig (a few hundred milliseconds at most with our timeouts).
 #pragma once
 
+#include "rig/hamlib_global.h"
+
+#include <QList>
+#include <QMap>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 #include <cstdint>
@@ -19,20 +24,40 @@ struct s_rig;
 
 namespace kolibrino::rig {
 
-// Where rig 1 (or 2) is: Hamlib's model number, the port (serial device or, for the
-// network model 2, "host:port") and the serial speed (0: the model's default).
+// Where rig 1 (or 2) is: Hamlib's model number (0: "Kein Transceiver"), the port
+// (serial device or, for the network model 2, "host:port"), the serial speed, the
+// serial line (data bits, stop bits, handshake, DTR and RTS), how PTT is keyed and on
+// which port, the CI-V address of an Icom, and further Hamlib settings as "name=value".
+// Empty texts and 0 leave Hamlib's default of the model. A rig read only is never
+// told a frequency or a mode.
 struct RigConfig {
+    RigConfig() = default;
+    RigConfig(int model_, QString port_, int speed_) : model(model_), port(std::move(port_)), speed(speed_) {}
     int model = 0;
     QString port;
     int speed = 0;
+    int dataBits = 0;  // 0, 7 or 8
+    int stopBits = 0;  // 0, 1 or 2
+    QString handshake; // "", "None", "XONXOFF", "Hardware"
+    QString dtr;       // "", "ON", "OFF"
+    QString rts;       // "", "ON", "OFF"
+    QString ptt;       // "", "RIG" (CAT), "DTR", "RTS", "None"
+    QString pttPort;   // "" or a serial device
+    QString civAddr;   // "" or the address, decimal or hex ("94", "0x5E")
+    QStringList conf;  // further "name=value"
+    bool readOnly = false;
     bool Configured() const { return model > 0; }
     bool operator==(const RigConfig&) const = default;
+    // Every Hamlib setting this config makes, as name and value, in the order given.
+    QList<QPair<QByteArray, QByteArray>> HamlibConf() const;
 };
 
 inline constexpr int kModelDummy = 1;
 inline constexpr int kModelNetRigctl = 2;
 
-// Settings section "Rig1" (or "Rig2"): keys "Model", "Port", "Speed".
+// Settings section "Rig1" (or "Rig2"): keys "Model", "Port", "Speed", "DataBits",
+// "StopBits", "Handshake", "DTR", "RTS", "PTT", "PTTPort", "CIV", "Conf" (the further
+// settings joined by ";") and "NurLesen" (-1 or 0).
 RigConfig ReadRigConfig(const QString& iniFile, int rigNumber);
 void WriteRigConfig(const QString& iniFile, int rigNumber, const RigConfig& config);
 
@@ -64,7 +89,13 @@ public:
     bool WriteFreq(int hz, bool vfoA);
     bool WriteMode(int mode);
     bool WriteSplit(bool on);
-    bool WritePtt(bool tx);
+    bool WritePtt(bool tx, QString* error = nullptr);
+    // Whether this program keyed the rig and has not released it yet.
+    bool Keyed() const { return keyed_; }
+    // Hamlib's own value of a setting (rig_get_conf), read back; empty when unknown.
+    QString ConfValue(const QByteArray& name) const;
+    // The settings of the last Open as Hamlib holds them (read back after setting).
+    const QMap<QString, QString>& Applied() const { return applied_; }
 
     // Parameter bits the open rig can read and write.
     int Readable() const { return readable_; }
@@ -74,23 +105,13 @@ private:
     void Release();
     struct s_rig* rig_ = nullptr;
     bool open_ = false;
+    bool keyed_ = false;
+    QMap<QString, QString> applied_;
     int readable_ = 0;
     int writeable_ = 0;
 };
 
 // German text of a Hamlib error code (negative or positive).
 QString HamlibErrorText(int code);
-
-// Hamlib's rigs, sorted by maker, then model.
-struct RigModelInfo {
-    int model;
-    QString maker;
-    QString name;
-    int rateMin;
-    int rateMax;
-};
-std::vector<RigModelInfo> HamlibModels();
-// Quietens Hamlib's own messages on standard error (idempotent).
-void HamlibQuiet();
 
 } // namespace kolibrino::rig

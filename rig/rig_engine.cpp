@@ -10,7 +10,8 @@ namespace kolibrino::rig {
 class RigWorker : public QObject {
     Q_OBJECT
 public:
-    RigWorker(const RigConfig& config, int pollMs) : config_(config), pollMs_(pollMs) {}
+    RigWorker(const RigConfig& config, int pollMs, int generation)
+        : config_(config), pollMs_(pollMs), generation_(generation) {}
 
     void Begin() {
         timer_ = new QTimer(this);
@@ -35,18 +36,49 @@ public:
         }
     }
 
+    // PTT, written and remembered here: a refusal reaches the next snapshot; a PTT
+    // we keyed is released even when the rig went away meanwhile.
+    void WritePtt(bool tx) {
+        if (!rig_.IsOpen()) {
+            // A release still owed waits in mustRelease_ for the rig's return.
+            if (tx) pttError_ = StatusText(ST_NOTRESPONDING);
+            return;
+        }
+        QString err;
+        pttWritten_ = true;
+        if (rig_.WritePtt(tx, &err)) {
+            if (!tx) mustRelease_ = false;
+        } else {
+            pttError_ = err.isEmpty() ? QStringLiteral("Befehl vom Transceiver abgelehnt") : err;
+        }
+        Write([](HamlibRig&) {});
+    }
+
+    void ReleaseIfKeyed() {
+        if (rig_.Keyed() || mustRelease_) WritePtt(false);
+    }
+
 signals:
     void Polled(const kolibrino::rig::RigSnapshot& s);
 
 private:
+    // The rig stopped answering: a PTT we keyed is let go (tried now, and again when
+    // it answers), then the rig is closed.
+    void GoOffline() {
+        if (rig_.Keyed() && !rig_.WritePtt(false)) mustRelease_ = true;
+        rig_.Close();
+    }
+
     void Poll() {
         RigSnapshot s;
+        s.generation = generation_;
         if (!rig_.IsOpen()) {
             // A rig that is away is asked again once a second, not on every poll: each
             // failed open costs Hamlib a little memory it never gives back.
             if (lastAttempt_.isValid() && lastAttempt_.elapsed() < kReopenMs) return;
             lastAttempt_.start();
             const QString err = rig_.Open(config_);
+            s.applied = rig_.Applied();
             if (!err.isEmpty()) {
                 s.status = ST_NOTRESPONDING;
                 s.error = err;
@@ -54,13 +86,15 @@ private:
                 return;
             }
             lastAttempt_.invalidate();
+            if (mustRelease_ && rig_.WritePtt(false)) mustRelease_ = false;
         }
+        s.applied = rig_.Applied();
         QString err;
         const std::optional<RigReading> r = rig_.Read(&err);
         if (!r) {
-            rig_.Close();
+            GoOffline();
             s.status = ST_NOTRESPONDING;
-            s.error = err;
+            s.error = QStringLiteral("Keine Antwort vom Transceiver: %1").arg(err);
             emit Polled(s);
             return;
         }
@@ -69,24 +103,37 @@ private:
         s.writeable = rig_.Writeable();
         s.freq = r->freq.value_or(0);
         s.mode = r->modeKnown ? r->mode : 0;
+        s.modeKnown = r->modeKnown;
         if (r->split) s.split = *r->split ? PM_SPLITON : PM_SPLITOFF;
-        if (r->tx) s.tx = *r->tx ? PM_TX : PM_RX;
+        if (r->tx)
+            s.tx = *r->tx ? PM_TX : PM_RX;
+        else if (s.writeable & PM_TX) // a rig that cannot tell: what we last set
+            s.tx = rig_.Keyed() ? PM_TX : PM_RX;
+        s.pttError = pttError_;
+        pttError_.clear();
+        s.pttWritten = pttWritten_;
+        pttWritten_ = false;
         emit Polled(s);
     }
 
     static constexpr int kReopenMs = 1000;
     RigConfig config_;
     int pollMs_;
+    int generation_;
     HamlibRig rig_;
     QElapsedTimer lastAttempt_;
     QTimer* timer_ = nullptr;
     bool pollPending_ = false;
+    bool mustRelease_ = false;
+    bool pttWritten_ = false;
+    QString pttError_;
 };
 
 RigControl::RigControl(int rigNumber, const RigConfig& config, int pollMs, QObject* parent)
     : QObject(parent), number_(rigNumber), config_(config), pollMs_(pollMs) {
     qRegisterMetaType<kolibrino::rig::RigSnapshot>();
     if (config_.Configured()) s_.status = ST_NOTRESPONDING; // until the first answer
+    offlineSince_ = QDateTime::currentDateTimeUtc();
     Start();
 }
 
@@ -97,7 +144,7 @@ RigControl::~RigControl() {
 void RigControl::Start() {
     if (!config_.Configured()) return;
     thread_ = new QThread;
-    worker_ = new RigWorker(config_, pollMs_);
+    worker_ = new RigWorker(config_, pollMs_, generation_);
     worker_->moveToThread(thread_);
     connect(worker_, &RigWorker::Polled, this, &RigControl::Apply, Qt::QueuedConnection);
     // The worker is deleted in its thread when the thread ends; its HamlibRig closes.
@@ -125,17 +172,29 @@ void RigControl::Stop() {
 }
 
 void RigControl::Reconfigure(const RigConfig& config) {
+    // The old rig's worker releases a PTT we keyed as it closes the rig.
     Stop();
+    keyedHere_ = false;
     config_ = config;
-    const bool wasOnline = s_.status == ST_ONLINE;
     s_ = RigSnapshot{};
     if (config_.Configured()) s_.status = ST_NOTRESPONDING;
-    if (wasOnline) emit StatusChanged();
+    offlineSince_ = QDateTime::currentDateTimeUtc();
+    ++generation_;
+    emit StatusChanged();
     Start();
 }
 
 QString RigControl::StatusStr() const {
     return StatusText(s_.status);
+}
+
+QString RigControl::StatusLine() const {
+    if (s_.status == ST_ONLINE || s_.status == ST_NOTCONFIGURED) return StatusStr();
+    QString line = StatusStr();
+    if (!s_.error.isEmpty()) line += QStringLiteral(": ") + s_.error;
+    if (offlineSince_.isValid())
+        line += QStringLiteral(" (seit %1 UTC)").arg(offlineSince_.toString(QStringLiteral("HH:mm:ss")));
+    return line;
 }
 
 int RigControl::ShownFreq() const {
@@ -153,24 +212,40 @@ bool RigControl::IsParamWriteable(int param) const {
 }
 
 void RigControl::Apply(const RigSnapshot& s) {
+    // A reading of the rig before the last reconfiguration, still under way: dropped.
+    if (s.generation != generation_) return;
     const bool statusChanged = s.status != s_.status;
+    const bool reasonChanged = s.error != s_.error;
     if (s.status != ST_ONLINE) {
         // Values of a rig that does not answer are not shown; the next answer brings
         // new ones.
+        if (s_.status == ST_ONLINE) offlineSince_ = QDateTime::currentDateTimeUtc();
         s_ = RigSnapshot{};
         s_.status = s.status;
         s_.error = s.error;
-        if (statusChanged) emit StatusChanged();
+        s_.applied = s.applied;
+        if (statusChanged || reasonChanged) emit StatusChanged();
         return;
     }
+    RigSnapshot next = s;
+    // A mode that could not be read this time keeps the last one read.
+    if (!s.modeKnown && s_.status == ST_ONLINE) {
+        next.mode = s_.mode;
+        next.modeKnown = s_.modeKnown;
+    }
+    const QString pttError = s.pttError;
+    next.pttError.clear();
+    const RigSnapshot& s2 = next;
     int params = 0;
-    if (s.freq != s_.freq) params |= PM_FREQ | PM_FREQA;
-    if (s.mode != s_.mode) params |= s.mode != 0 ? s.mode : PM_UNKNOWN;
-    if (s.split != s_.split && s.split != 0) params |= s.split;
-    if (s.tx != s_.tx && s.tx != 0) params |= s.tx;
-    s_ = s;
+    if (s2.freq != s_.freq) params |= PM_FREQ | PM_FREQA;
+    if (s2.mode != s_.mode) params |= s2.mode != 0 ? s2.mode : PM_UNKNOWN;
+    if (s2.split != s_.split && s2.split != 0) params |= s2.split;
+    // After a PTT write the windows hear the rig's word even when nothing changed.
+    if ((s2.tx != s_.tx || s2.pttWritten) && s2.tx != 0) params |= s2.tx;
+    s_ = next;
     if (statusChanged) emit StatusChanged();
     if (params != 0) emit ParamsChanged(params);
+    if (!pttError.isEmpty()) emit PttRefused(pttError);
 }
 
 namespace {
@@ -183,17 +258,17 @@ bool Queue(RigWorker* w, std::function<void(HamlibRig&)> op) {
 } // namespace
 
 void RigControl::SetFreq(int hz) {
-    if (hz <= 0 || s_.status != ST_ONLINE) return;
+    if (hz <= 0 || s_.status != ST_ONLINE || config_.readOnly) return;
     Queue(worker_, [hz](HamlibRig& r) { r.WriteFreq(hz, false); });
 }
 
 void RigControl::SetFreqA(int hz) {
-    if (hz <= 0 || s_.status != ST_ONLINE) return;
+    if (hz <= 0 || s_.status != ST_ONLINE || config_.readOnly) return;
     Queue(worker_, [hz](HamlibRig& r) { r.WriteFreq(hz, true); });
 }
 
 void RigControl::SetMode(int mode) {
-    if (CheckedMode(mode) == 0 || s_.status != ST_ONLINE) return;
+    if (CheckedMode(mode) == 0 || s_.status != ST_ONLINE || config_.readOnly) return;
     Queue(worker_, [mode](HamlibRig& r) { r.WriteMode(mode); });
 }
 
@@ -203,8 +278,19 @@ void RigControl::SetSplit(int split) {
 }
 
 void RigControl::SetTx(int tx) {
-    if ((tx != PM_TX && tx != PM_RX) || s_.status != ST_ONLINE) return;
-    Queue(worker_, [tx](HamlibRig& r) { r.WritePtt(tx == PM_TX); });
+    if ((tx != PM_TX && tx != PM_RX) || s_.status != ST_ONLINE || !worker_) return;
+    keyedHere_ = tx == PM_TX;
+    RigWorker* w = worker_;
+    QMetaObject::invokeMethod(
+        w, [w, tx] { w->WritePtt(tx == PM_TX); }, Qt::QueuedConnection);
+}
+
+void RigControl::ReleasePtt() {
+    keyedHere_ = false;
+    if (!worker_) return;
+    RigWorker* w = worker_;
+    QMetaObject::invokeMethod(
+        w, [w] { w->ReleaseIfKeyed(); }, Qt::QueuedConnection);
 }
 
 RigEngine::RigEngine(const RigConfig& rig1, const RigConfig& rig2, int pollMs, QObject* parent)
@@ -214,6 +300,7 @@ RigEngine::RigEngine(const RigConfig& rig1, const RigConfig& rig2, int pollMs, Q
         const int n = r->RigNumber();
         connect(r, &RigControl::StatusChanged, this, [this, n] { emit StatusChange(n); });
         connect(r, &RigControl::ParamsChanged, this, [this, n](int params) { emit ParamsChange(n, params); });
+        connect(r, &RigControl::PttRefused, this, [this, n](const QString& why) { emit PttRefused(n, why); });
     }
 }
 

@@ -19,6 +19,8 @@
 #include "rig/hamlib_rig.h"
 #include "rig/rig_params.h"
 
+#include <QDateTime>
+#include <QMap>
 #include <QObject>
 #include <QThread>
 #include <functional>
@@ -37,7 +39,12 @@ struct RigSnapshot {
     int tx = 0;    // PM_TX, PM_RX or 0 when unknown
     int readable = 0;
     int writeable = 0;
-    QString error; // why the rig is not online
+    bool modeKnown = false;
+    QString error;                  // why the rig is not online
+    QString pttError;               // why the last PTT write was refused
+    QMap<QString, QString> applied; // Hamlib's settings as read back at the last open
+    int generation = 0;             // of the settings the worker ran on
+    bool pttWritten = false;        // a PTT write came before this reading
 };
 
 class RigControl : public QObject {
@@ -48,8 +55,21 @@ public:
 
     int RigNumber() const { return number_; }
     const RigConfig& Config() const { return config_; }
-    // Stops the worker and starts one on the new settings.
+    // Stops the worker and starts one on the new settings. The values of the old rig
+    // are gone at once (StatusChanged comes, Generation() counts up).
     void Reconfigure(const RigConfig& config);
+    int Generation() const { return generation_; }
+    // Why the rig is offline ("Verbindung zu 127.0.0.1:4532 abgelehnt", "Schnittstelle
+    // /dev/ttyUSB0 fehlt", "Keine Antwort vom Transceiver: ...") and since when (UTC);
+    // empty and invalid while online.
+    QString OfflineReason() const { return s_.status == ST_ONLINE ? QString() : s_.error; }
+    QDateTime OfflineSince() const { return s_.status == ST_ONLINE ? QDateTime() : offlineSince_; }
+    // The status line of the windows: the status, and while offline the reason and the
+    // time ("Transceiver antwortet nicht: Verbindung ... abgelehnt (seit 14:03:12 UTC)").
+    QString StatusLine() const;
+    // The settings as Hamlib holds them after the last open (name to value).
+    const QMap<QString, QString>& AppliedConf() const { return s_.applied; }
+    bool ReadOnly() const { return config_.readOnly; }
 
     int Status() const { return s_.status; }
     QString StatusStr() const;
@@ -65,16 +85,24 @@ public:
     int ShownFreq() const;
 
     // Queued writes; dropped while the rig is not online or when the value fails the
-    // checks (a frequency must be positive, a mode one of ours).
+    // checks (a frequency must be positive, a mode one of ours). Frequency and mode are
+    // also dropped for a rig read only.
     void SetFreq(int hz);
     void SetFreqA(int hz);
     void SetMode(int mode);
     void SetSplit(int split); // PM_SPLITON or PM_SPLITOFF
     void SetTx(int tx);       // PM_TX or PM_RX
+    // Whether this program keyed the PTT (and has not released it).
+    bool KeyedHere() const { return keyedHere_; }
+    // Releases a PTT this program keyed, online or not (the worker tries again when the
+    // rig answers again).
+    void ReleasePtt();
 
 signals:
     void StatusChanged();
     void ParamsChanged(int params);
+    // The rig refused a PTT write; the German reason.
+    void PttRefused(const QString& reason);
 
 private:
     void Start();
@@ -85,6 +113,9 @@ private:
     RigConfig config_;
     int pollMs_;
     RigSnapshot s_;
+    QDateTime offlineSince_;
+    int generation_ = 0;
+    bool keyedHere_ = false;
     QThread* thread_ = nullptr;
     RigWorker* worker_ = nullptr;
 };
@@ -106,6 +137,7 @@ public:
 signals:
     void StatusChange(int rigNumber);
     void ParamsChange(int rigNumber, int params);
+    void PttRefused(int rigNumber, const QString& reason);
 
 private:
     std::unique_ptr<RigControl> rig1_;

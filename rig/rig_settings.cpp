@@ -1,8 +1,10 @@
 #include "rig/rig_settings.h"
 
+#include "core/settings.h"
 #include "rig/rig_engine.h"
 #include "rig/rig_params.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
@@ -12,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QThread>
 #include <QTimer>
@@ -70,8 +73,20 @@ RigTestResult TestRig(const RigConfig& config, int timeoutMs) {
 }
 
 namespace {
-const int kSpeeds[] = {1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
+// A choice box of texts shown and values stored; the first is the model's default.
+QComboBox* Choices(QWidget* parent, const char* name, const QList<QPair<QString, QVariant>>& items) {
+    auto* c = new QComboBox(parent);
+    c->setObjectName(QString::fromLatin1(name));
+    for (const auto& [text, value] : items)
+        c->addItem(text, value);
+    return c;
 }
+void Choose(QComboBox* c, const QVariant& value) {
+    const int i = c->findData(value);
+    c->setCurrentIndex(i >= 0 ? i : 0);
+}
+const QString kStandard = QStringLiteral("Standard des Modells");
+} // namespace
 
 RigEinstellungen::RigEinstellungen(Model& m, Dialogs& dialogs, QWidget* parent)
     : QDialog(parent), m_(m), dialogs_(dialogs) {
@@ -83,6 +98,8 @@ RigEinstellungen::RigEinstellungen(Model& m, Dialogs& dialogs, QWidget* parent)
     textSuche_->setPlaceholderText(QStringLiteral("Suche nach Hersteller oder Modell"));
     listModelle_ = new QListWidget(this);
     listModelle_->setObjectName(QStringLiteral("ListModelle"));
+    auto* none = new QListWidgetItem(QStringLiteral("Kein Transceiver"), listModelle_);
+    none->setData(Qt::UserRole, 0);
     for (const RigModelInfo& info : HamlibModels()) {
         auto* item = new QListWidgetItem(
             QStringLiteral("%1 %2 (%3)").arg(info.maker, info.name).arg(info.model), listModelle_);
@@ -95,9 +112,43 @@ RigEinstellungen::RigEinstellungen(Model& m, Dialogs& dialogs, QWidget* parent)
     comboPort_->addItems(SerialPorts());
     comboSpeed_ = new QComboBox(this);
     comboSpeed_->setObjectName(QStringLiteral("ComboSpeed"));
-    comboSpeed_->addItem(QStringLiteral("Standard des Modells"), 0);
-    for (const int s : kSpeeds)
-        comboSpeed_->addItem(QString::number(s), s);
+    comboDatenbits_ =
+        Choices(this, "ComboDatenbits", {{kStandard, 0}, {QStringLiteral("7"), 7}, {QStringLiteral("8"), 8}});
+    comboStopbits_ =
+        Choices(this, "ComboStopbits", {{kStandard, 0}, {QStringLiteral("1"), 1}, {QStringLiteral("2"), 2}});
+    comboHandshake_ = Choices(this, "ComboHandshake",
+                              {{kStandard, QString()},
+                               {QStringLiteral("Kein"), QStringLiteral("None")},
+                               {QStringLiteral("XON/XOFF"), QStringLiteral("XONXOFF")},
+                               {QStringLiteral("Hardware (RTS/CTS)"), QStringLiteral("Hardware")}});
+    const QList<QPair<QString, QVariant>> line = {{kStandard, QString()},
+                                                  {QStringLiteral("Ein"), QStringLiteral("ON")},
+                                                  {QStringLiteral("Aus"), QStringLiteral("OFF")}};
+    comboDTR_ = Choices(this, "ComboDTR", line);
+    comboRTS_ = Choices(this, "ComboRTS", line);
+    comboPTT_ = Choices(this, "ComboPTT",
+                        {{kStandard, QString()},
+                         {QStringLiteral("CAT"), QStringLiteral("RIG")},
+                         {QStringLiteral("DTR"), QStringLiteral("DTR")},
+                         {QStringLiteral("RTS"), QStringLiteral("RTS")},
+                         {QStringLiteral("Keine"), QStringLiteral("None")}});
+    comboPTTPort_ = new QComboBox(this);
+    comboPTTPort_->setObjectName(QStringLiteral("ComboPTTPort"));
+    comboPTTPort_->setEditable(true);
+    comboPTTPort_->addItem(QString());
+    comboPTTPort_->addItems(SerialPorts());
+    comboPTTPort_->setToolTip(QStringLiteral("Leer: dieselbe Schnittstelle wie der Transceiver"));
+    textCIV_ = new QLineEdit(this);
+    textCIV_->setObjectName(QStringLiteral("TextCIV"));
+    textCIV_->setPlaceholderText(QStringLiteral("Standard des Modells, z. B. 0x94"));
+    textWeitere_ = new QPlainTextEdit(this);
+    textWeitere_->setObjectName(QStringLiteral("TextWeitere"));
+    textWeitere_->setPlaceholderText(QStringLiteral("NAME=WERT, eine Einstellung je Zeile"));
+    textWeitere_->setTabChangesFocus(true);
+    textWeitere_->setMaximumHeight(70);
+    checkNurLesen_ = new QCheckBox(QStringLiteral("Transceiver nur lesen"), this);
+    checkNurLesen_->setObjectName(QStringLiteral("CheckNurLesen"));
+    checkNurLesen_->setToolTip(QStringLiteral("Frequenz und Mode werden nie zum Transceiver geschrieben"));
     textNetz_ = new QLineEdit(this);
     textNetz_->setObjectName(QStringLiteral("TextNetz"));
     textNetz_->setPlaceholderText(QStringLiteral("127.0.0.1:4532"));
@@ -107,6 +158,16 @@ RigEinstellungen::RigEinstellungen(Model& m, Dialogs& dialogs, QWidget* parent)
     auto* form2 = new QFormLayout;
     form2->addRow(QStringLiteral("Serielle Schnittstelle:"), comboPort_);
     form2->addRow(QStringLiteral("Geschwindigkeit (Baud):"), comboSpeed_);
+    form2->addRow(QStringLiteral("Datenbits:"), comboDatenbits_);
+    form2->addRow(QStringLiteral("Stoppbits:"), comboStopbits_);
+    form2->addRow(QStringLiteral("Handshake:"), comboHandshake_);
+    form2->addRow(QStringLiteral("DTR-Leitung:"), comboDTR_);
+    form2->addRow(QStringLiteral("RTS-Leitung:"), comboRTS_);
+    form2->addRow(QStringLiteral("PTT über:"), comboPTT_);
+    form2->addRow(QStringLiteral("PTT-Schnittstelle:"), comboPTTPort_);
+    form2->addRow(QStringLiteral("CI-V-Adresse (Icom):"), textCIV_);
+    form2->addRow(QStringLiteral("Weitere Hamlib-Einstellungen:"), textWeitere_);
+    form2->addRow(QString(), checkNurLesen_);
     form2->addRow(QStringLiteral("Netzwerk rigctld (host:port):"), textNetz_);
     top->addLayout(form2);
     labelTest_ = new QLabel(this);
@@ -125,7 +186,7 @@ RigEinstellungen::RigEinstellungen(Model& m, Dialogs& dialogs, QWidget* parent)
     buttons->addWidget(ok);
     buttons->addWidget(cancel);
     top->addLayout(buttons);
-    resize(520, 560);
+    resize(560, 760);
 
     connect(textSuche_, &QLineEdit::textChanged, this, &RigEinstellungen::Filter);
     connect(listModelle_, &QListWidget::currentRowChanged, this, &RigEinstellungen::ModelChanged);
@@ -136,14 +197,38 @@ RigEinstellungen::RigEinstellungen(Model& m, Dialogs& dialogs, QWidget* parent)
 }
 
 void RigEinstellungen::Fill(const RigConfig& c) {
-    SelectModel(c.model > 0 ? c.model : kModelNetRigctl);
+    // "Kein Transceiver" chosen before shows again; with nothing stored the network
+    // rig is proposed.
+    const bool noneChosen =
+        IniReadString(m_.IniPath, QStringLiteral("Rig1"), QStringLiteral("Model")).trimmed() ==
+        QLatin1String("0");
+    SelectModel(c.model > 0 ? c.model : noneChosen ? 0 : kModelNetRigctl);
     if (c.model == kModelNetRigctl)
         textNetz_->setText(c.port);
     else
         comboPort_->setCurrentText(c.port);
-    const int speedIndex = comboSpeed_->findData(c.speed);
-    comboSpeed_->setCurrentIndex(speedIndex >= 0 ? speedIndex : 0);
+    FillSpeeds(Current().model, c.speed);
+    Choose(comboDatenbits_, c.dataBits);
+    Choose(comboStopbits_, c.stopBits);
+    Choose(comboHandshake_, c.handshake);
+    Choose(comboDTR_, c.dtr);
+    Choose(comboRTS_, c.rts);
+    Choose(comboPTT_, c.ptt);
+    comboPTTPort_->setCurrentText(c.pttPort);
+    textCIV_->setText(c.civAddr);
+    textWeitere_->setPlainText(c.conf.join(QLatin1Char('\n')));
+    checkNurLesen_->setChecked(c.readOnly);
     ModelChanged();
+}
+
+void RigEinstellungen::FillSpeeds(int model, int speed) {
+    comboSpeed_->clear();
+    comboSpeed_->addItem(kStandard, 0);
+    for (const int s : ModelSpeeds(model))
+        comboSpeed_->addItem(QString::number(s), s);
+    // A stored speed outside the model's list stays visible.
+    if (speed > 0 && comboSpeed_->findData(speed) < 0) comboSpeed_->addItem(QString::number(speed), speed);
+    Choose(comboSpeed_, speed);
 }
 
 bool RigEinstellungen::SelectModel(int model) {
@@ -159,13 +244,13 @@ bool RigEinstellungen::SelectModel(int model) {
 }
 
 void RigEinstellungen::Filter(const QString& text) {
-    const QStringList words = text.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
     QListWidgetItem* first = nullptr;
     for (int i = 0; i < listModelle_->count(); ++i) {
         QListWidgetItem* item = listModelle_->item(i);
-        bool match = true;
-        for (const QString& w : words)
-            match = match && item->text().contains(w, Qt::CaseInsensitive);
+        const int model = item->data(Qt::UserRole).toInt();
+        const RigModelInfo* info = FindModel(model);
+        const bool match =
+            info ? ModelMatches(info->maker, info->name, text) : ModelMatches(QString(), item->text(), text);
         item->setHidden(!match);
         if (match && !first) first = item;
     }
@@ -174,26 +259,63 @@ void RigEinstellungen::Filter(const QString& text) {
 }
 
 void RigEinstellungen::ModelChanged() {
-    const bool net = Current().model == kModelNetRigctl;
+    const int model = Current().model;
+    const bool net = model == kModelNetRigctl;
+    const bool serial = model > 0 && !net;
     textNetz_->setEnabled(net);
-    comboPort_->setEnabled(!net);
-    comboSpeed_->setEnabled(!net);
+    const int speed = comboSpeed_->currentData().toInt();
+    FillSpeeds(model, speed);
+    for (QWidget* w : std::initializer_list<QWidget*>{comboPort_, comboSpeed_, comboDatenbits_,
+                                                      comboStopbits_, comboHandshake_, comboDTR_, comboRTS_})
+        w->setEnabled(serial);
+    for (QWidget* w : std::initializer_list<QWidget*>{comboPTT_, comboPTTPort_, textWeitere_, checkNurLesen_})
+        w->setEnabled(model > 0);
+    textCIV_->setEnabled(model > 0 && ModelHasSetting(model, "civaddr"));
+}
+
+QString RigEinstellungen::CheckSettings(const RigConfig& c) const {
+    if (!c.Configured()) return QString();
+    if (!c.civAddr.isEmpty()) {
+        bool ok = false;
+        const int a = c.civAddr.toInt(&ok, 0);
+        if (!ok || a < 1 || a > 0xFF)
+            return QStringLiteral("Die CI-V-Adresse „%1“ ist keine Zahl von 1 bis 255 (dezimal oder 0x..).")
+                .arg(c.civAddr);
+    }
+    return CheckConfNames(c.model, c.conf);
 }
 
 RigConfig RigEinstellungen::Current() const {
     RigConfig c;
     if (const QListWidgetItem* item = listModelle_->currentItem()) c.model = item->data(Qt::UserRole).toInt();
+    if (c.model == 0) return c; // "Kein Transceiver"
     if (c.model == kModelNetRigctl) {
         c.port = textNetz_->text().trimmed();
     } else {
         c.port = comboPort_->currentText().trimmed();
         c.speed = comboSpeed_->currentData().toInt();
+        c.dataBits = comboDatenbits_->currentData().toInt();
+        c.stopBits = comboStopbits_->currentData().toInt();
+        c.handshake = comboHandshake_->currentData().toString();
+        c.dtr = comboDTR_->currentData().toString();
+        c.rts = comboRTS_->currentData().toString();
     }
+    c.ptt = comboPTT_->currentData().toString();
+    c.pttPort = comboPTTPort_->currentText().trimmed();
+    if (textCIV_->isEnabled()) c.civAddr = textCIV_->text().trimmed();
+    for (const QString& line : textWeitere_->toPlainText().split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        if (!line.trimmed().isEmpty()) c.conf << line.trimmed();
+    c.readOnly = checkNurLesen_->isChecked();
     return c;
 }
 
 void RigEinstellungen::CommandTestClick() {
     const RigConfig c = Current();
+    if (const QString refused = CheckSettings(c); !refused.isEmpty()) {
+        labelTest_->setText(refused);
+        dialogs_.MsgBox(refused, Msg::Exclamation);
+        return;
+    }
     commandTest_->setEnabled(false);
     labelTest_->setText(QStringLiteral("Transceiver wird gefragt …"));
     RigTestResult t;
@@ -222,6 +344,10 @@ void RigEinstellungen::CommandTestClick() {
 
 void RigEinstellungen::CommandOkClick() {
     const RigConfig c = Current();
+    if (const QString refused = CheckSettings(c); !refused.isEmpty()) {
+        dialogs_.MsgBox(refused, Msg::Exclamation);
+        return;
+    }
     if (c.model == kModelNetRigctl && !c.port.contains(QLatin1Char(':'))) {
         dialogs_.MsgBox(QStringLiteral("Bitte die Netzwerkadresse von rigctld als host:port eingeben, zum "
                                        "Beispiel 127.0.0.1:4532."),

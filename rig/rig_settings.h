@@ -1,8 +1,11 @@
 // RigEinstellungen: our rig settings window behind "Omnirig Konfigurieren". The
-// operator picks Hamlib's rig model (sorted by maker and model, with a search field),
-// the serial port and speed, or the network address host:port of a rigctld, tests the
-// rig, and stores the choice in settings section Rig1. A live engine takes the new
-// settings at once.
+// operator picks Hamlib's rig model or "Kein Transceiver" (sorted by maker, then
+// naturally by model, with a search that ignores hyphens, blanks and case), the serial
+// port and one of the model's speeds, data bits, stop bits, handshake, the DTR and RTS
+// lines, how PTT is keyed and on which port, an Icom's CI-V address, further Hamlib
+// settings as NAME=WERT (checked by name against the model's own list), "Transceiver
+// nur lesen", or the network address host:port of a rigctld; tests the rig, and stores
+// the choice in settings section Rig1. A live engine takes the new settings at once.
 //
 // GUI thread only, shown modal. The test runs in a thread of its own and never blocks
 // the window; it reports the frequency and mode or Hamlib's error in German.
@@ -14,8 +17,10 @@
 
 #include <QDialog>
 
+class QCheckBox;
 class QComboBox;
 class QLabel;
+class QPlainTextEdit;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
@@ -52,6 +57,10 @@ public:
 private:
     void Fill(const RigConfig& c);
     void ModelChanged();
+    void FillSpeeds(int model, int speed);
+    // The further settings and the CI-V address checked against the model: the German
+    // refusal naming the setting, or empty.
+    QString CheckSettings(const RigConfig& c) const;
 
     Model& m_;
     Dialogs& dialogs_;
@@ -60,6 +69,16 @@ private:
     QComboBox* comboPort_ = nullptr;
     QComboBox* comboSpeed_ = nullptr;
     QLineEdit* textNetz_ = nullptr;
+    QComboBox* comboDatenbits_ = nullptr;
+    QComboBox* comboStopbits_ = nullptr;
+    QComboBox* comboHandshake_ = nullptr;
+    QComboBox* comboDTR_ = nullptr;
+    QComboBox* comboRTS_ = nullptr;
+    QComboBox* comboPTT_ = nullptr;
+    QComboBox* comboPTTPort_ = nullptr;
+    QLineEdit* textCIV_ = nullptr;
+    QPlainTextEdit* textWeitere_ = nullptr;
+    QCheckBox* checkNurLesen_ = nullptr;
     QLabel* labelTest_ = nullptr;
     QPushButton* commandTest_ = nullptr;
 };

@@ -24,9 +24,23 @@ namespace kolibrino::rig {
 
 namespace {
 const QString kSection = QStringLiteral("Transceiver");
+// A key that cannot be used looks it: grey on dark grey.
+const QString kDisabled = QStringLiteral(":disabled { color: #808080; background-color: #303030; }");
+QString Colours(const char* widget, const QString& colours) {
+    return QString::fromLatin1(widget) + QStringLiteral(" { ") + colours + QStringLiteral(" }") +
+           QString::fromLatin1(widget) + kDisabled;
+}
 const QString kNotSelected = QStringLiteral("color: #FFFF00; background-color: #000000;");
 const QString kSelected = QStringLiteral("color: #000000; background-color: #FFFF00;");
-const QString kTransmit = QStringLiteral("color: #000000; background-color: #FF0000;");
+
+// Split and PTT: the whole bar takes the click, not just the box and its text.
+class BarCheckBox : public QCheckBox {
+public:
+    using QCheckBox::QCheckBox;
+
+protected:
+    bool hitButton(const QPoint& pos) const override { return rect().contains(pos); }
+};
 
 QString MemKey(int band, const char* suffix) {
     return QString::fromLatin1(PanelBands()[size_t(band)].caption) + QString::fromLatin1(suffix);
@@ -113,13 +127,21 @@ Transceiver::Transceiver(HauptForm& main, Model& m, Dialogs& dialogs, int pollMs
     top->addWidget(picture4_);
 
     auto* checks = new QHBoxLayout;
-    check1_ = new QCheckBox(QStringLiteral("Split"), this);
+    check1_ = new BarCheckBox(QStringLiteral("Split"), this);
     check1_->setObjectName(QStringLiteral("Check1"));
-    check2_ = new QCheckBox(QStringLiteral("PTT"), this);
+    check2_ = new BarCheckBox(QStringLiteral("PTT"), this);
     check2_->setObjectName(QStringLiteral("Check2"));
-    checks->addWidget(check1_);
-    checks->addWidget(check2_);
+    for (QCheckBox* c : {check1_, check2_})
+        c->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    checks->addWidget(check1_, 1);
+    checks->addWidget(check2_, 1);
     top->addLayout(checks);
+    labelPTT_ = new QLabel(this);
+    labelPTT_->setObjectName(QStringLiteral("LabelPTT"));
+    labelPTT_->setWordWrap(true);
+    labelPTT_->setStyleSheet(QStringLiteral("color: #C00000;"));
+    labelPTT_->hide();
+    top->addWidget(labelPTT_);
     PaintCheck(check1_, false, "");
     PaintCheck(check2_, false, "");
 
@@ -175,8 +197,10 @@ bool Transceiver::Connect() {
     if (engine_ && InterfaceVersionAccepted(engine_->InterfaceVersion())) {
         connect(engine_.get(), &RigEngine::StatusChange, this, &Transceiver::StatusChange);
         connect(engine_.get(), &RigEngine::ParamsChange, this, &Transceiver::ParamsChange);
+        connect(engine_.get(), &RigEngine::PttRefused, this, &Transceiver::PttRefused);
         rig_ = engine_->Rig1();
         rigNumber_ = 1;
+        shownGeneration_ = rig_->Generation();
         StatusUpdate();
         ParamsUpdate();
         DisableUnwritable();
@@ -200,8 +224,16 @@ bool Transceiver::Connect() {
 
 void Transceiver::DisableUnwritable() {
     if (!rig_) return;
+    // A rig read only is never told a frequency or a mode.
+    const bool writes = !rig_->ReadOnly();
     for (int row = 0; row < kPanelModeCount - 1; ++row)
-        option1_[size_t(row)]->setEnabled(rig_->IsParamWriteable(PanelModeOfRow(row)));
+        option1_[size_t(row)]->setEnabled(writes && rig_->IsParamWriteable(PanelModeOfRow(row)));
+    option1_[size_t(kPanelModeCount - 1)]->setEnabled(false); // "Other" is never written
+    const bool freq = writes && (rig_->IsParamWriteable(PM_FREQ) || rig_->IsParamWriteable(PM_FREQA));
+    for (QPushButton* b : command5_)
+        b->setEnabled(freq);
+    command2_->setEnabled(freq);
+    command3_->setEnabled(freq);
     check2_->setEnabled(rig_->IsParamWriteable(PM_TX));
     check1_->setEnabled(rig_->IsParamWriteable(PM_SPLITON) && rig_->IsParamWriteable(PM_SPLITOFF));
 }
@@ -220,11 +252,45 @@ void Transceiver::ParamsChange(int rigNumber, int) {
 
 void Transceiver::StatusUpdate() {
     if (!rig_) return;
-    label8_->setText(rig_->StatusStr());
+    if (rig_->Generation() != shownGeneration_) {
+        shownGeneration_ = rig_->Generation();
+        ClearRigValues();
+    }
+    label8_->setText(rig_->StatusLine());
+    const bool online = rig_->Status() == ST_ONLINE;
+    // A frequency no longer read is greyed and says so.
+    labelTX_->setStyleSheet(online ? QString() : QStringLiteral("color: #808080;"));
+    labelTX_->setToolTip(
+        online ? QStringLiteral("Aktuelle Frequenz")
+               : QStringLiteral("Aktuelle Frequenz: nicht mehr vom Transceiver gelesen (veraltet)"));
+    if (!online) ShowPtt(); // the rig no longer transmits for us
+}
+
+void Transceiver::ClearRigValues() {
+    labelTX_->setText(FormatFrequency(0));
+    modeRow_ = -1;
+    PaintModes();
+    check1_->setChecked(false);
+    PaintCheck(check1_, false, "");
+    ShowPtt();
+}
+
+void Transceiver::ShowPtt() {
+    const bool tx = rig_ && rig_->Status() == ST_ONLINE && rig_->Tx() == PM_TX;
+    check2_->setChecked(tx);
+    PaintCheck(check2_, tx, "#FF0000");
+}
+
+void Transceiver::PttRefused(int rigNumber, const QString& reason) {
+    if (rigNumber != rigNumber_) return;
+    labelPTT_->setText(QStringLiteral("PTT abgelehnt: %1").arg(reason));
+    labelPTT_->show();
+    ShowPtt();
 }
 
 void Transceiver::ParamsUpdate() {
-    if (!rig_) return;
+    // A rig that does not answer changes nothing on screen.
+    if (!rig_ || rig_->Status() != ST_ONLINE) return;
     const int f = rig_->ShownFreq();
     const int mode = rig_->Mode();
     labelTX_->setText(FormatFrequency(f));
@@ -239,22 +305,26 @@ void Transceiver::ParamsUpdate() {
     }
     modeRow_ = PanelRowOfMode(mode);
     PaintModes();
+    ShowPtt();
 }
 
 void Transceiver::PaintModes() {
     for (int i = 0; i < kPanelModeCount; ++i)
-        option1_[size_t(i)]->setStyleSheet(i == modeRow_ ? kSelected : kNotSelected);
+        option1_[size_t(i)]->setStyleSheet(Colours("QPushButton", i == modeRow_ ? kSelected : kNotSelected));
 }
 
 void Transceiver::PaintSteps() {
     for (int i = 0; i < 9; ++i)
-        option2_[size_t(i)]->setStyleSheet(i == stepRow_ ? kSelected : kNotSelected);
+        option2_[size_t(i)]->setStyleSheet(Colours("QPushButton", i == stepRow_ ? kSelected : kNotSelected));
+    for (QPushButton* b : {command2_, command3_})
+        if (b) b->setStyleSheet(Colours("QPushButton", QStringLiteral("")));
 }
 
 void Transceiver::PaintCheck(QCheckBox* c, bool on, const char* onBackground) {
     c->setStyleSheet(
-        on ? QStringLiteral("color: #000000; background-color: %1;").arg(QLatin1String(onBackground))
-           : kNotSelected);
+        Colours("QCheckBox",
+                on ? QStringLiteral("color: #000000; background-color: %1;").arg(QLatin1String(onBackground))
+                   : kNotSelected));
 }
 
 void Transceiver::Command5Click(int band) {
@@ -302,8 +372,16 @@ void Transceiver::Check1Click() {
 
 void Transceiver::Check2Click() {
     const bool on = check2_->isChecked();
+    labelPTT_->clear();
+    labelPTT_->hide();
+    if (!rig_ || rig_->Status() != ST_ONLINE) {
+        if (on) PttRefused(rigNumber_, QStringLiteral("der Transceiver ist nicht verbunden"));
+        ShowPtt();
+        return;
+    }
+    // Shown as asked until the rig's answer, read back right after the write.
     PaintCheck(check2_, on, "#FF0000");
-    if (rig_) rig_->SetTx(on ? PM_TX : PM_RX);
+    rig_->SetTx(on ? PM_TX : PM_RX);
 }
 
 void Transceiver::LabelTXClick() {
@@ -371,6 +449,8 @@ void Transceiver::closeEvent(QCloseEvent* e) {
 void Transceiver::Unload() {
     if (unloaded_) return;
     unloaded_ = true;
+    // A PTT keyed here is never left on when the panel goes.
+    if (rig_) rig_->ReleasePtt();
     if (engine_) disconnect(engine_.get(), nullptr, this, nullptr);
     rig_ = nullptr;
     engine_.reset();

@@ -7,7 +7,9 @@
 // Made by InstallRig's companion opener, GUI thread only, a child window of the main
 // window that deletes itself when closed. Without a configured rig it asks whether to
 // open the rig settings and closes itself whatever the answer. Rig errors are never
-// shown: the window stays as it is and the next event updates it.
+// shown as boxes: the status line says why the rig is offline and since when, and a
+// refused PTT is told below the PTT box. The PTT box shows what the rig says it does;
+// a PTT this window keyed is released when the window closes.
 #pragma once
 
 #include "core/dialogs.h"
@@ -83,6 +85,9 @@ private:
     void PaintModes();
     void PaintSteps();
     void PaintCheck(QCheckBox* c, bool on, const char* onBackground);
+    void ShowPtt();
+    void PttRefused(int rigNumber, const QString& reason);
+    void ClearRigValues();
     void Unload();
 
     HauptForm& main_;
@@ -97,6 +102,7 @@ private:
     bool connecting_ = false;
     bool unloaded_ = false;
     bool closing_ = false;
+    int shownGeneration_ = -1;
     QPointer<QAction> menuEntry_;
 
     std::array<QPushButton*, kPanelBandCount> command5_{};
@@ -105,6 +111,7 @@ private:
     QLabel* labelTX_ = nullptr;
     QLabel* label8_ = nullptr;
     QLabel* label1_ = nullptr;
+    QLabel* labelPTT_ = nullptr;
     QCheckBox* check1_ = nullptr;
     QCheckBox* check2_ = nullptr;
     QWidget* picture4_ = nullptr;

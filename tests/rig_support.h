@@ -6,6 +6,7 @@
 #include <QProcess>
 #include <QTest>
 #include <arpa/inet.h>
+#include <csignal>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -37,15 +38,18 @@ inline bool PortAnswers(int port) {
     return ok;
 }
 
-// rigctld -m 1 on 127.0.0.1:port, stopped with the object.
+// rigctld -m 1 on 127.0.0.1:port, stopped with the object. Extra arguments such as
+// {"-P", "RIG"} (a dummy that takes PTT) go to the daemon as given.
 class Rigctld {
 public:
     explicit Rigctld(int port = FreeLoopbackPort()) : port_(port) {}
     ~Rigctld() { Stop(); }
-    bool Start() {
+    bool Start(const QStringList& extra = {}) {
         proc_.setProgram(QStringLiteral("rigctld"));
-        proc_.setArguments({QStringLiteral("-m"), QStringLiteral("1"), QStringLiteral("-T"),
-                            QStringLiteral("127.0.0.1"), QStringLiteral("-t"), QString::number(port_)});
+        proc_.setArguments(QStringList{QStringLiteral("-m"), QStringLiteral("1"), QStringLiteral("-T"),
+                                       QStringLiteral("127.0.0.1"), QStringLiteral("-t"),
+                                       QString::number(port_)} +
+                           extra);
         proc_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         proc_.start();
         if (!proc_.waitForStarted(5000)) return false;
@@ -63,7 +67,17 @@ public:
         proc_.kill();
         proc_.waitForFinished(5000);
     }
-    void Stop() { Kill(); }
+    void Stop() {
+        Resume();
+        Kill();
+    }
+    // Stops and continues the daemon (SIGSTOP, SIGCONT): a rig that stops answering.
+    bool Pause() {
+        return proc_.state() != QProcess::NotRunning && ::kill(pid_t(proc_.processId()), SIGSTOP) == 0;
+    }
+    bool Resume() {
+        return proc_.state() != QProcess::NotRunning && ::kill(pid_t(proc_.processId()), SIGCONT) == 0;
+    }
     int Port() const { return port_; }
     QString Address() const { return QStringLiteral("127.0.0.1:%1").arg(port_); }
     // Runs rigctl against the daemon ("F", "7050000" or "M", "USB", "0").

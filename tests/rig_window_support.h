@@ -42,6 +42,17 @@ public:
         }
         return w;
     }
+    // After opening, the window tunes the rig to the main window's band; once the rig
+    // is there, the rig is set to hz from outside.
+    bool TuneAfterOpening(const QString& hz) {
+        const int band = Combo(1)->currentIndex();
+        const int f = band == 0 ? Freq()->BQRG40 : band == 1 ? Freq()->BQRG80 : Freq()->BQRG30;
+        QElapsedTimer t;
+        t.start();
+        while (t.elapsed() < 5000 && daemon.Get(QStringLiteral("f")) != QString::number(f))
+            QTest::qWait(20);
+        return daemon.Set({QStringLiteral("F"), hz});
+    }
     QLabel* FLabel(int n) const { return Freq()->findChild<QLabel*>(QStringLiteral("Label%1").arg(n)); }
     QLineEdit* FText(int n) const { return Freq()->findChild<QLineEdit*>(QStringLiteral("Text%1").arg(n)); }
     QRadioButton* FOption(int i) const {

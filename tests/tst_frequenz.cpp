@@ -4,7 +4,9 @@
 #include "rig/rig_settings.h"
 #include "rig_window_support.h"
 
+#include <QComboBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -42,6 +44,14 @@ private slots:
     void offlineRigShowsOfflineAndBeeps();
     void modeBoxMovesRigOnlyWhileRigPanelShown();
     void plainFormGoesOnlineWhenRigIsSetUpLater();
+    void openingTunesTheRigToTheOperatorsBand();
+    void openingBeforeTheRigAnswersTunesItWhenItDoes();
+    void modeLabelNeverOtherWhileOffline();
+    void rigModeTakenForTheLogWithoutWritingBack();
+    void readOnlyNeverWritesFrequencyOrMode();
+    void offlineSaysWhyAndSinceWhenAndFrequencyIsStale();
+    void offlineReasonPortMissing();
+    void switchingToDeadRigLeavesNoOldValue();
 };
 
 void TestFrequenz::closedWindowLogsFortyAt7000WhateverTheRadio() {
@@ -77,8 +87,8 @@ void TestFrequenz::bandLimitsInclusive() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
     // Start from 14 MHz, outside every contest band.
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("14074000")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("14074000")));
     QTRY_COMPARE(f.FLabel(1)->text(), QStringLiteral("14.074.000"));
     const QString before10 = f.FText(10)->text(), before11 = f.FText(11)->text(),
                   before9 = f.FText(9)->text();
@@ -101,8 +111,8 @@ void TestFrequenz::bandLimitsInclusive() {
 void TestFrequenz::frequencyOutsideAllBandsChangesOnlyTheLabel() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("7050000")));
     QTRY_COMPARE(f.FText(10)->text(), QStringLiteral("050"));
     QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("21074000")}));
     QTRY_COMPARE(f.FLabel(1)->text(), QStringLiteral("21.074.000"));
@@ -117,8 +127,8 @@ void TestFrequenz::rig2EventIgnoredWhileRigNumberIs1() {
     RigFixture f;
     rig::WriteRigConfig(f.home.model.IniPath, 2, {kModelDummy, {}, 0});
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("7050000")));
     QTRY_COMPARE(f.FLabel(1)->text(), QStringLiteral("7.050.000"));
     std::shared_ptr<RigEngine> engine = LiveEngine();
     QVERIFY(engine);
@@ -221,8 +231,8 @@ void TestFrequenz::typedFieldIsLogged() {
 void TestFrequenz::modeFromRigSetsModeBoxAndReports() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7020000")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("7020000")));
     QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("CW"), QStringLiteral("0")}));
     QTRY_COMPARE(f.Combo(2)->currentIndex(), 1);
     QCOMPARE(f.FLabel(2)->text(), QStringLiteral("CW"));
@@ -239,9 +249,9 @@ void TestFrequenz::modeFromRigSetsModeBoxAndReports() {
 void TestFrequenz::mainBandBoxMovesRigOnceWithoutEcho() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
     QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("CW"), QStringLiteral("0")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("7050000")));
     QTRY_COMPARE(f.Freq()->BQRG40, 7050000);
     QTRY_COMPARE(f.Combo(1)->currentIndex(), 0);
     std::shared_ptr<RigEngine> engine = LiveEngine();
@@ -267,8 +277,8 @@ void TestFrequenz::mainBandBoxMovesRigOnceWithoutEcho() {
 void TestFrequenz::rigBandChangeMovesMainBandBox() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("7050000")));
     QTRY_COMPARE(f.Combo(1)->currentIndex(), 0);
     QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("10120000")}));
     QTRY_COMPARE(f.Combo(1)->currentIndex(), 2);
@@ -361,8 +371,8 @@ void TestFrequenz::closingAsksAndNoKeepsItOpen() {
 void TestFrequenz::closingYesSavesFrequencies() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("3650000")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("3650000")));
     QTRY_COMPARE(f.Freq()->BQRG80, 3650000);
     f.dialogs.AnswerMsgBox(Msg::Yes);
     f.Menu("MnFrequenz")->trigger();
@@ -380,8 +390,8 @@ void TestFrequenz::closingYesSavesFrequencies() {
 void TestFrequenz::programEndTagsOneAndReopensAtNextStart() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7090000")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("7090000")));
     QTRY_COMPARE(f.Freq()->BQRG40, 7090000);
     f.dialogs.Clear();
     f.window->close();
@@ -508,6 +518,165 @@ void TestFrequenz::plainFormGoesOnlineWhenRigIsSetUpLater() {
     f.Menu("MnFrequenz")->trigger();
     QVERIFY(f.home.model.Open.Frequenz);
     QCOMPARE(f.dialogs.boxes.size(), 1);
+}
+
+void TestFrequenz::openingTunesTheRigToTheOperatorsBand() {
+    RigFixture f;
+    QVERIFY(f.StartWithDaemon());
+    // The rig is on 80 m; the operator works 40 m.
+    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("3700000")}));
+    IniWrite(f.home.model.IniPath, QStringLiteral("Frequenz"), QStringLiteral("BQRG40"), 7012000);
+    QCOMPARE(f.Combo(1)->currentIndex(), 0);
+    QSignalSpy bandMoves(f.Combo(1), &QComboBox::currentIndexChanged);
+    QVERIFY(f.OpenFrequenz());
+    QTRY_COMPARE(f.daemon.Get(QStringLiteral("f")), QStringLiteral("7012000"));
+    QTRY_COMPARE(f.FLabel(1)->text(), QStringLiteral("7.012.000"));
+    QTest::qWait(500);
+    // The rig's old band never reached the main window.
+    QCOMPARE(bandMoves.count(), 0);
+    QCOMPARE(f.Combo(1)->currentIndex(), 0);
+    QCOMPARE(f.FText(11)->text(), QStringLiteral("500"));
+    QCOMPARE(f.Freq()->BQRG80, 3500000);
+}
+
+void TestFrequenz::openingBeforeTheRigAnswersTunesItWhenItDoes() {
+    RigFixture f;
+    // The daemon comes up only after the window opened.
+    WriteRigConfig(f.home.model.IniPath, 1, {kModelNetRigctl, f.daemon.Address(), 0});
+    QVERIFY(f.StartRig());
+    QSignalSpy bandMoves(f.Combo(1), &QComboBox::currentIndexChanged);
+    QVERIFY(f.OpenFrequenz(false));
+    QCOMPARE(f.FLabel(3)->text(), QStringLiteral("OFFLINE"));
+    QVERIFY(f.daemon.Start());
+    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("3700000")}));
+    QTRY_COMPARE_WITH_TIMEOUT(f.FLabel(3)->text(), QStringLiteral("ONLINE"), 5000);
+    QTRY_COMPARE(f.daemon.Get(QStringLiteral("f")), QStringLiteral("7000000"));
+    QTest::qWait(500);
+    QCOMPARE(bandMoves.count(), 0);
+    QCOMPARE(f.Combo(1)->currentIndex(), 0);
+}
+
+void TestFrequenz::modeLabelNeverOtherWhileOffline() {
+    {
+        RigFixture f;
+        WriteRigConfig(f.home.model.IniPath, 1,
+                       {kModelNetRigctl, QStringLiteral("127.0.0.1:%1").arg(FreeLoopbackPort()), 0});
+        QVERIFY(f.StartRig());
+        QVERIFY(f.OpenFrequenz(false));
+        QTest::qWait(600);
+        QCOMPARE(f.FLabel(3)->text(), QStringLiteral("OFFLINE"));
+        QVERIFY(f.FLabel(2)->text() != QLatin1String("Other"));
+    }
+    // Online in USB, then the rig goes away: the label keeps what was read.
+    RigFixture g;
+    QVERIFY(g.StartWithDaemon());
+    QVERIFY(g.OpenFrequenz());
+    QVERIFY(g.daemon.Set({QStringLiteral("M"), QStringLiteral("USB"), QStringLiteral("0")}));
+    QTRY_COMPARE(g.FLabel(2)->text(), QStringLiteral("USB"));
+    g.daemon.Kill();
+    QTRY_COMPARE_WITH_TIMEOUT(g.FLabel(3)->text(), QStringLiteral("OFFLINE"), 3000);
+    QTest::qWait(600);
+    QCOMPARE(g.FLabel(2)->text(), QStringLiteral("USB"));
+}
+
+void TestFrequenz::rigModeTakenForTheLogWithoutWritingBack() {
+    RigFixture f;
+    QVERIFY(f.StartWithDaemon());
+    QVERIFY(f.OpenFrequenz());
+    QTRY_COMPARE(f.daemon.Get(QStringLiteral("f")), QStringLiteral("7000000"));
+    // CW reversed at the rig: the log takes CW, the rig stays in CWR.
+    QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("CWR"), QStringLiteral("0")}));
+    QTRY_COMPARE(f.Combo(2)->currentIndex(), 1);
+    QTest::qWait(600);
+    QCOMPARE(f.daemon.Get(QStringLiteral("m")), QStringLiteral("CWR"));
+    // USB on 40 m: the log takes phone, the rig stays in USB.
+    QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("USB"), QStringLiteral("0")}));
+    QTRY_COMPARE(f.Combo(2)->currentIndex(), 0);
+    QCOMPARE(f.Text(4)->text(), QStringLiteral("59"));
+    QTest::qWait(600);
+    QCOMPARE(f.daemon.Get(QStringLiteral("m")), QStringLiteral("USB"));
+    QCOMPARE(f.FLabel(2)->text(), QStringLiteral("USB"));
+}
+
+void TestFrequenz::readOnlyNeverWritesFrequencyOrMode() {
+    RigFixture f;
+    QVERIFY(f.daemon.Start());
+    RigConfig c{kModelNetRigctl, f.daemon.Address(), 0};
+    c.readOnly = true;
+    WriteRigConfig(f.home.model.IniPath, 1, c);
+    QVERIFY(f.StartRig());
+    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("3700000")}));
+    QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("CW"), QStringLiteral("0")}));
+    QVERIFY(f.OpenFrequenz());
+    // The log follows the rig, the rig is never told anything.
+    QTRY_COMPARE(f.Combo(1)->currentIndex(), 1);
+    QTRY_COMPARE(f.Combo(2)->currentIndex(), 1);
+    f.Combo(1)->setFocus();
+    QTest::keyClick(f.Combo(1), Qt::Key_Up); // 40 m
+    f.Combo(2)->setFocus();
+    QTest::keyClick(f.Combo(2), Qt::Key_Up); // phone
+    QTest::qWait(600);
+    QCOMPARE(f.daemon.Get(QStringLiteral("f")), QStringLiteral("3700000"));
+    QCOMPARE(f.daemon.Get(QStringLiteral("m")), QStringLiteral("CW"));
+}
+
+void TestFrequenz::offlineSaysWhyAndSinceWhenAndFrequencyIsStale() {
+    RigFixture f;
+    QVERIFY(f.StartWithDaemon());
+    QVERIFY(f.OpenFrequenz());
+    QTRY_COMPARE(f.FLabel(1)->text(), QStringLiteral("7.000.000"));
+    QCOMPARE(f.FLabel(1)->property("veraltet").toBool(), false);
+    auto* grund = f.Freq()->findChild<QLabel*>(QStringLiteral("LabelGrund"));
+    QVERIFY(!grund->isVisible());
+    f.daemon.Kill();
+    QTRY_COMPARE_WITH_TIMEOUT(f.FLabel(3)->text(), QStringLiteral("OFFLINE"), 3000);
+    QTRY_VERIFY(grund->text().contains(QStringLiteral("abgelehnt")) ||
+                grund->text().contains(QStringLiteral("Keine Antwort")));
+    QVERIFY(grund->isVisible());
+    QVERIFY(QRegularExpression(QStringLiteral("\\(seit \\d\\d:\\d\\d:\\d\\d UTC\\)$"))
+                .match(grund->text())
+                .hasMatch());
+    QCOMPARE(f.FLabel(1)->property("veraltet").toBool(), true);
+    QVERIFY(f.FLabel(1)->toolTip().contains(QStringLiteral("veraltet")));
+    QVERIFY(f.FLabel(1)->palette().color(QPalette::WindowText) == QColor(128, 128, 128));
+    // Back online: live again.
+    Rigctld again(f.daemon.Port());
+    QVERIFY(again.Start());
+    QTRY_COMPARE_WITH_TIMEOUT(f.FLabel(3)->text(), QStringLiteral("ONLINE"), 5000);
+    QCOMPARE(f.FLabel(1)->property("veraltet").toBool(), false);
+    QVERIFY(!grund->isVisible());
+}
+
+void TestFrequenz::offlineReasonPortMissing() {
+    RigFixture f;
+    WriteRigConfig(f.home.model.IniPath, 1, {3073, QStringLiteral("/dev/ttyKOLIBRINO_FEHLT"), 0});
+    QVERIFY(f.StartRig());
+    QVERIFY(f.OpenFrequenz(false));
+    auto* grund = f.Freq()->findChild<QLabel*>(QStringLiteral("LabelGrund"));
+    QTRY_VERIFY(grund->text().contains(QStringLiteral("Schnittstelle /dev/ttyKOLIBRINO_FEHLT fehlt")));
+}
+
+void TestFrequenz::switchingToDeadRigLeavesNoOldValue() {
+    RigFixture f;
+    QVERIFY(f.StartWithDaemon());
+    QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
+    QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("USB"), QStringLiteral("0")}));
+    QTRY_COMPARE(f.FLabel(1)->text(), QStringLiteral("7.050.000"));
+    QTRY_COMPARE(f.FLabel(2)->text(), QStringLiteral("USB"));
+    // The operator switches to a rig that does not answer, in the settings window.
+    RigEinstellungen w(f.home.model, f.dialogs, f.window.get());
+    w.show();
+    w.findChild<QLineEdit*>(QStringLiteral("TextNetz"))->clear();
+    QTest::keyClicks(w.findChild<QLineEdit*>(QStringLiteral("TextNetz")),
+                     QStringLiteral("127.0.0.1:%1").arg(FreeLoopbackPort()));
+    QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("CommandOK")), Qt::LeftButton);
+    QCOMPARE(f.FLabel(1)->text(), QStringLiteral("0.000.000"));
+    QCOMPARE(f.FLabel(2)->text(), QString());
+    QTRY_COMPARE_WITH_TIMEOUT(f.FLabel(3)->text(), QStringLiteral("OFFLINE"), 3000);
+    QTest::qWait(300);
+    QCOMPARE(f.FLabel(1)->text(), QStringLiteral("0.000.000"));
+    QCOMPARE(f.FLabel(2)->text(), QString());
 }
 
 QTEST_MAIN(TestFrequenz)

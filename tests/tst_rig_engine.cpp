@@ -9,9 +9,12 @@
 
 #include <QSignalSpy>
 #include <QtTest>
+#include <atomic>
 #include <cmath>
 #include <hamlib/rig.h>
 #include <limits>
+#include <pty.h>
+#include <thread>
 
 using namespace kolibrino;
 using namespace kolibrino::rig;
@@ -50,6 +53,13 @@ private slots:
     void cliPrintsOneLineFromRigctld();
     void cliReadsSectionRig1();
     void cliExitsOneWhenNoRigAnswers();
+    void cliListsModelsMatchingText();
+    void cliConfReachesHamlibAndUnknownNameIsRefused();
+    void naturalOrder();
+    void hamlibGlobalCallsWaitForTheOneLock();
+    void hamlibFromManyThreadsAtOnce();
+    void engineReadsBackTheSettingsItGaveHamlib();
+    void offlineReasonNoAnswer();
 };
 
 namespace {
@@ -213,7 +223,7 @@ void TestRigEngine::modelListSortedByMakerAndModel() {
         if (i == 0) continue;
         const int c = QString::compare(models[i - 1].maker, models[i].maker, Qt::CaseInsensitive);
         QVERIFY(c <= 0);
-        if (c == 0) QVERIFY(QString::compare(models[i - 1].name, models[i].name, Qt::CaseInsensitive) <= 0);
+        if (c == 0) QVERIFY(!NaturalLess(models[i].name, models[i - 1].name));
     }
     QVERIFY(dummy);
     QVERIFY(net);
@@ -407,6 +417,146 @@ void TestRigEngine::cliExitsOneWhenNoRigAnswers() {
     QCOMPARE(r.out, QStringLiteral("OFFLINE 0 Other\n"));
     QVERIFY(r.err.startsWith(QStringLiteral("Der Transceiver antwortet nicht")));
     QCOMPARE(RunCli({QStringLiteral("--model")}, home.dir.path()).code, 2);
+}
+
+void TestRigEngine::cliListsModelsMatchingText() {
+    Home home;
+    const CliRun r = RunCli({QStringLiteral("--models"), QStringLiteral("ft991")}, home.dir.path());
+    QCOMPARE(r.code, 0);
+    const QStringList lines = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QVERIFY(!lines.isEmpty());
+    bool found = false;
+    for (const QString& line : lines) {
+        const QStringList cols = line.split(QLatin1Char('\t'));
+        QCOMPARE(cols.size(), 3);
+        bool number = false;
+        cols[0].toInt(&number);
+        QVERIFY(number);
+        QVERIFY(ModelMatches(cols[1], cols[2], QStringLiteral("ft991")));
+        found = found || (cols[1] == QLatin1String("Yaesu") && cols[2] == QLatin1String("FT-991"));
+    }
+    QVERIFY(found);
+    const CliRun ic = RunCli({QStringLiteral("--models"), QStringLiteral("IC 7300")}, home.dir.path());
+    QVERIFY(ic.out.contains(QStringLiteral("\tIcom\tIC-7300\n")));
+    const CliRun none = RunCli({QStringLiteral("--models"), QStringLiteral("xyzzy")}, home.dir.path());
+    QCOMPARE(none.code, 1);
+    QVERIFY(none.err.contains(QStringLiteral("„xyzzy“")));
+}
+
+void TestRigEngine::cliConfReachesHamlibAndUnknownNameIsRefused() {
+    Home home;
+    Rigctld daemon;
+    QVERIFY(daemon.Start());
+    QVERIFY(daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
+    QVERIFY(daemon.Set({QStringLiteral("M"), QStringLiteral("CW"), QStringLiteral("0")}));
+    const QStringList rig{QStringLiteral("--model"), QStringLiteral("2"), QStringLiteral("--port"),
+                          daemon.Address()};
+    const CliRun ok = RunCli(rig + QStringList{QStringLiteral("--conf"), QStringLiteral("timeout=800"),
+                                               QStringLiteral("--conf"), QStringLiteral("ptt_type=RIG")},
+                             home.dir.path());
+    QCOMPARE(ok.out, QStringLiteral("ONLINE 7050000 CW\n"));
+    QCOMPARE(ok.code, 0);
+    const CliRun bad =
+        RunCli(rig + QStringList{QStringLiteral("--conf"), QStringLiteral("zeitlimit=800")}, home.dir.path());
+    QCOMPARE(bad.code, 1);
+    QVERIFY(bad.err.contains(QStringLiteral("Unbekannte Hamlib-Einstellung „zeitlimit“")));
+    const CliRun noValue =
+        RunCli(rig + QStringList{QStringLiteral("--conf"), QStringLiteral("timeout")}, home.dir.path());
+    QCOMPARE(noValue.code, 1);
+    QVERIFY(noValue.err.contains(QStringLiteral("„timeout“")));
+}
+
+void TestRigEngine::naturalOrder() {
+    QVERIFY(NaturalLess(QStringLiteral("IC-703"), QStringLiteral("IC-7000")));
+    QVERIFY(NaturalLess(QStringLiteral("IC-78"), QStringLiteral("IC-703")));
+    QVERIFY(!NaturalLess(QStringLiteral("IC-7000"), QStringLiteral("IC-703")));
+    QVERIFY(NaturalLess(QStringLiteral("ft-817"), QStringLiteral("FT-818")));
+    QVERIFY(!NaturalLess(QStringLiteral("FT-817"), QStringLiteral("FT-817")));
+    QVERIFY(ModelMatches(QStringLiteral("Yaesu"), QStringLiteral("FT-991"), QStringLiteral("ft991")));
+    QVERIFY(ModelMatches(QStringLiteral("Yaesu"), QStringLiteral("FT-991"), QStringLiteral("yaesu FT 991")));
+    QVERIFY(!ModelMatches(QStringLiteral("Yaesu"), QStringLiteral("FT-991"), QStringLiteral("ft 817")));
+}
+
+void TestRigEngine::hamlibGlobalCallsWaitForTheOneLock() {
+    HamlibModels();
+    std::atomic<int> done{0};
+    std::unique_lock<std::recursive_mutex> hold(HamlibLock());
+    std::thread opener([&done] {
+        HamlibRig r;
+        r.Open({kModelDummy, {}, 0});
+        done = 1;
+    });
+    QTest::qWait(300);
+    // rig_init and rig_open wait while another thread holds Hamlib's lock.
+    QCOMPARE(done.load(), 0);
+    hold.unlock();
+    opener.join();
+    QCOMPARE(done.load(), 1);
+}
+
+void TestRigEngine::hamlibFromManyThreadsAtOnce() {
+    std::atomic<int> online{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 6; ++t)
+        threads.emplace_back([&online, t] {
+            for (int i = 0; i < 15; ++i) {
+                HamlibRig r;
+                if (r.Open({kModelDummy, {}, 0}, 50).isEmpty()) ++online;
+                if (t % 3 == 0) SearchModels(QStringLiteral("ic"));
+                if (t % 3 == 1) CheckConfNames(3073, {QStringLiteral("civaddr=0x5e")});
+            }
+        });
+    for (std::thread& t : threads)
+        t.join();
+    QCOMPARE(online.load(), 6 * 15); // every dummy opened
+}
+
+void TestRigEngine::engineReadsBackTheSettingsItGaveHamlib() {
+    Home home;
+    int master = -1, slave = -1;
+    char name[128] = {0};
+    QCOMPARE(::openpty(&master, &slave, name, nullptr, nullptr), 0);
+    RigConfig c{3073, QString::fromLocal8Bit(name), 9600};
+    c.civAddr = QStringLiteral("0x5E");
+    c.ptt = QStringLiteral("RTS");
+    c.stopBits = 2;
+    c.conf = QStringList{QStringLiteral("post_write_delay=7")};
+    WriteRigConfig(home.model.IniPath, 1, c);
+    QCOMPARE(ReadRigConfig(home.model.IniPath, 1), c);
+    std::shared_ptr<RigEngine> engine = ConnectEngine(home.model.IniPath);
+    QVERIFY(engine);
+    QTRY_VERIFY_WITH_TIMEOUT(!engine->Rig1()->AppliedConf().isEmpty(), 5000);
+    const QMap<QString, QString> applied = engine->Rig1()->AppliedConf();
+    QCOMPARE(applied.value(QStringLiteral("civaddr")), QStringLiteral("94"));
+    QCOMPARE(applied.value(QStringLiteral("ptt_type")), QStringLiteral("RTS"));
+    QCOMPARE(applied.value(QStringLiteral("stop_bits")), QStringLiteral("2"));
+    QCOMPARE(applied.value(QStringLiteral("serial_speed")), QStringLiteral("9600"));
+    QCOMPARE(applied.value(QStringLiteral("post_write_delay")), QStringLiteral("7"));
+    QCOMPARE(applied.value(QStringLiteral("rig_pathname")), QString::fromLocal8Bit(name));
+    engine.reset();
+    ::close(master);
+    ::close(slave);
+}
+
+void TestRigEngine::offlineReasonNoAnswer() {
+    Home home;
+    int master = -1, slave = -1;
+    char name[128] = {0};
+    QCOMPARE(::openpty(&master, &slave, name, nullptr, nullptr), 0);
+    // An Icom on a port where nobody answers.
+    WriteRigConfig(home.model.IniPath, 1, {3073, QString::fromLocal8Bit(name), 19200});
+    std::shared_ptr<RigEngine> engine = ConnectEngine(home.model.IniPath);
+    QVERIFY(engine);
+    QTRY_VERIFY_WITH_TIMEOUT(!engine->Rig1()->OfflineReason().isEmpty(), 5000);
+    const QString reason = engine->Rig1()->OfflineReason();
+    QVERIFY2(reason.contains(QStringLiteral("antwortet nicht")) ||
+                 reason.contains(QStringLiteral("Keine Antwort")),
+             qPrintable(reason));
+    QVERIFY(engine->Rig1()->OfflineSince().isValid());
+    QVERIFY(engine->Rig1()->StatusLine().contains(QStringLiteral(" UTC)")));
+    engine.reset();
+    ::close(master);
+    ::close(slave);
 }
 
 QTEST_GUILESS_MAIN(TestRigEngine)

@@ -46,9 +46,9 @@ private slots:
 void TestRigFault::rigctldKilledMidSessionLoggingGoesOn() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("7050000")}));
     QVERIFY(f.daemon.Set({QStringLiteral("M"), QStringLiteral("LSB"), QStringLiteral("0")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("7050000")));
     QTRY_COMPARE(f.FText(10)->text(), QStringLiteral("050"));
     f.Type(QStringLiteral("OE1AAA"), 0, QStringLiteral("WI"));
     f.Type(QStringLiteral("OE1AAB"), 0, QStringLiteral("WI"));
@@ -95,8 +95,8 @@ void TestRigFault::rigctldKilledMidSessionLoggingGoesOn() {
 void TestRigFault::statusTextNeverReachesLoggedFields() {
     RigFixture f;
     QVERIFY(f.StartWithDaemon());
-    QVERIFY(f.daemon.Set({QStringLiteral("F"), QStringLiteral("3650000")}));
     QVERIFY(f.OpenFrequenz());
+    QVERIFY(f.TuneAfterOpening(QStringLiteral("3650000")));
     QTRY_COMPARE(f.FText(11)->text(), QStringLiteral("650"));
     f.daemon.Kill();
     QTRY_COMPARE_WITH_TIMEOUT(f.FLabel(3)->text(), QStringLiteral("OFFLINE"), 2000);
