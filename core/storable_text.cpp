@@ -88,7 +88,7 @@ const TextFieldRule kRules[] = {
     /* RstGesendet  */ {"RST gesendet", 4, true, true, true, false},
     /* RstEmpfangen */ {"RST empfangen", 4, true, true, true, false},
     /* Mode         */ {"Mode", 5, false, true, true, false},
-    /* Bezirk       */ {"Bezirk", 2, false, true, true, false},
+    /* Bezirk       */ {"Bezirk", 0, false, true, false, false}, // checks 7 and 8 judge the rest
     /* Operator     */ {"Operator", 13, true, true, false, false},
     /* Bemerkung    */ {"Notiz", 0, false, false, false, false},
     /* MyCall       */ {"Stationsrufzeichen", 13, true, true, true, false},

@@ -57,7 +57,7 @@ enum class TextField {
     RstGesendet,  // 4, capitals, trimmed, no blanks
     RstEmpfangen, // 4, capitals, trimmed, no blanks
     Mode,         // 5, trimmed
-    Bezirk,       // 2, trimmed, no blanks (the district table decides the rest)
+    Bezirk,       // trimmed; its length and the table are the district checks' business
     Operator,     // 13, capitals, trimmed
     Bemerkung,    // stored as typed
     // Header fields.
