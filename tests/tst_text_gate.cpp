@@ -7,7 +7,9 @@
 #include "core/vb_text.h"
 #include "corrections/bulk_change.h"
 #include "corrections_support.h"
+#include "setup/station_log.h"
 #include "setup/station_logic.h"
+#include "setup_support.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -392,6 +394,27 @@ private slots:
                         {QStringLiteral("OE1\u00b6XY"), QStringLiteral("oe3abc")});
         QCOMPARE(setup::ReadOperators(home.model), QStringList{QStringLiteral("OE3ABC")});
         QCOMPARE(LoadOperators(home.model.IniPath), QStringList{QStringLiteral("OE3ABC")});
+    }
+
+    void stationSettingsWindowRefusesAtTheKeys() {
+        SetupEnv e;
+        setup::StationLog s(e.m, e.d, e.clock, {}, setup::StationMode::NewLog);
+        s.show();
+        auto edit = [&s](const char* name) { return s.findChild<QLineEdit*>(QString::fromLatin1(name)); };
+        TypeText(edit("Text4"), QStringLiteral("Max\u00b6Muster"));
+        QCOMPARE(edit("Text4")->text(), QStringLiteral("MaxMuster"));
+        // A capital the code page has no place for is not made: "µ" stays, never "?".
+        TypeText(edit("Text3"), QStringLiteral("jn88\u00b5"));
+        QCOMPARE(edit("Text3")->text(), QStringLiteral("JN88\u00b5"));
+        TypeText(edit("Text9"), QStringLiteral("a-1010"));
+        QCOMPARE(edit("Text9")->text(), QStringLiteral("A-1010"));
+        Paste(edit("Text10"), QStringLiteral("Wien ") + kOmega);
+        QCOMPARE(edit("Text10")->text(), QString());
+        Paste(edit("Text10"), QStringLiteral("x[ENDHEAD:]"));
+        QCOMPARE(edit("Text10")->text(), QString());
+        Paste(edit("Text1"), QStringLiteral("oe1abc "));
+        QCOMPARE(edit("Text1")->text(), QStringLiteral("OE1ABC"));
+        s.reject();
     }
 
     // ---- The command line differs from the window ----------------------------------
