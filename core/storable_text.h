@@ -56,7 +56,7 @@ enum class TextField {
     Call,         // Rufzeichen: 13, capitals, trimmed, no blanks
     RstGesendet,  // 4, capitals, trimmed, no blanks
     RstEmpfangen, // 4, capitals, trimmed, no blanks
-    Mode,         // 5, trimmed
+    Mode,         // 5, trimmed, no blanks
     Bezirk,       // trimmed; its length and the table are the district checks' business
     Operator,     // 13, capitals, trimmed
     Bemerkung,    // stored as typed
