@@ -30,11 +30,12 @@ struct CompanionFixture : ScoringFixture {
         WriteLog(QStringLiteral("test.KOLBO"), records);
         qputenv("KOLIBRINO_LOG", "test.KOLBO");
         window = std::make_unique<HauptForm>(home.model, dialogs, clock);
-        setup::InstallLogSetup(*window, home.model, dialogs, clock);
         InstallScoring(*window, home.model, dialogs, clock);
         InstallAssist(*window, home.model, dialogs, clock);
         corrections::InstallCorrections(*window, home.model, dialogs, clock);
         if (!window->Load()) return false;
+        // The log set-up after the start: the log comes from KOLIBRINO_LOG, not the log manager.
+        setup::InstallLogSetup(*window, home.model, dialogs, clock);
         window->show();
         return true;
     }
@@ -137,9 +138,9 @@ private slots:
         f.Wait();
         QTRY_COMPARE(f.MapPixel(QStringLiteral("MD")), qRgb(255, 255, 255));
         QCOMPARE(f.MapPixel(QStringLiteral("WI")), qRgb(255, 255, 255));
-        QCOMPARE(f.MapPixel(QStringLiteral("GZ")), BgrToRgb(MapColours{}.c40));
+        QCOMPARE(f.MapPixel(QStringLiteral("GZ")), BgrToRgb(MapColours{}.c4080)); // 40 m and 80 m
         QTRY_VERIFY(f.TableCell(QStringLiteral("MD")) != f.gridKarte->ButtonColour(1));
-        QCOMPARE(f.TableCell(QStringLiteral("GZ")), f.gridKarte->ButtonColour(0));
+        QCOMPARE(f.TableCell(QStringLiteral("GZ")), f.gridKarte->ButtonColour(2)); // 40 m and 80 m
         QTRY_VERIFY(!f.PartialCalls().contains(QStringLiteral("OE3BBB")));
         QVERIFY(f.PartialCalls().contains(QStringLiteral("OE3BBZ")));
     }
