@@ -168,7 +168,8 @@ int DBLog::CellWidth(const std::vector<PartialEntry>& entries) const {
     // A call of the full 13 characters the call field takes, two blanks and the
     // bracketed district; a wider entry widens every column alike.
     const QFontMetrics fm(view_->font());
-    const int margin = 2 * (view_->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view_) + 1) + 8;
+    const int margin =
+        2 * (view_->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view_) + 1) + 8;
     int text = fm.horizontalAdvance(QStringLiteral("HB0/OE9WWW/PM  (WW)"));
     for (const PartialEntry& e : entries)
         text = std::max(text, fm.horizontalAdvance(e.CellText()));

@@ -151,7 +151,8 @@ bool Bearbeiten::Open() {
 }
 
 void Bearbeiten::Combo1Change(int index) {
-    const FrequencyFields f = FrequencyForBand(index, text12_->text(), text9_->text(), openedMhz_, openedKhz_);
+    const FrequencyFields f =
+        FrequencyForBand(index, text12_->text(), text9_->text(), openedMhz_, openedKhz_);
     if (!f.changed) return;
     text12_->setText(f.mhz);
     text9_->setText(f.khz);

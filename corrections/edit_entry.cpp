@@ -87,8 +87,8 @@ bool BandHoldsFrequency(int bandIndex, double khz) {
     }
 }
 
-FrequencyFields FrequencyForBand(int bandIndex, const QString& mhz, const QString& khz, const QString& originalMhz,
-                                 const QString& originalKhz) {
+FrequencyFields FrequencyForBand(int bandIndex, const QString& mhz, const QString& khz,
+                                 const QString& originalMhz, const QString& originalKhz) {
     auto fits = [bandIndex](const QString& a, const QString& b) {
         bool ok = false;
         const double v = (TrimBlanks(a) + NormalizeKhz(b)).toDouble(&ok);

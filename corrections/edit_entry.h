@@ -76,8 +76,8 @@ struct FrequencyFields {
     QString khz;
     bool changed = false;
 };
-FrequencyFields FrequencyForBand(int bandIndex, const QString& mhz, const QString& khz, const QString& originalMhz,
-                                 const QString& originalKhz);
+FrequencyFields FrequencyForBand(int bandIndex, const QString& mhz, const QString& khz,
+                                 const QString& originalMhz, const QString& originalKhz);
 // Whether a frequency in kHz lies in the contest's part of a band (list position).
 bool BandHoldsFrequency(int bandIndex, double khz);
 

@@ -62,11 +62,12 @@ QString StrandedDupeLine(const QsoRecord& r) {
 
 QString StrandedQuestion(const Model& m, const std::vector<int>& records) {
     QStringList lines;
-    lines << (records.size() == 1 ? QStringLiteral("Dieses als 'Dupe' geloggte QSO hat kein gültiges QSO mehr, "
-                                                   "dessen Dupe es ist:")
-                                  : QStringLiteral("Diese %1 als 'Dupe' geloggten QSO haben kein gültiges QSO "
-                                                   "mehr, dessen Dupe sie sind:")
-                                        .arg(records.size()));
+    lines << (records.size() == 1
+                  ? QStringLiteral("Dieses als 'Dupe' geloggte QSO hat kein gültiges QSO mehr, "
+                                   "dessen Dupe es ist:")
+                  : QStringLiteral("Diese %1 als 'Dupe' geloggten QSO haben kein gültiges QSO "
+                                   "mehr, dessen Dupe sie sind:")
+                        .arg(records.size()));
     lines << QString();
     for (size_t i = 0; i < records.size() && i < size_t(kListLines); ++i)
         lines << StrandedDupeLine(m.LogRecords[size_t(records[i])]);

@@ -135,7 +135,8 @@ void ZeitAendern::Build() {
     command6_ = Button(controls_, "Command6", QStringLiteral("S&peichern"),
                        QStringLiteral("Änderungen dauerhaft speichern"));
     command6_->setEnabled(false);
-    command7_ = Button(controls_, "Command7", QString(), QStringLiteral("Log mit Änderungen anzeigen/ausblenden"));
+    command7_ =
+        Button(controls_, "Command7", QString(), QStringLiteral("Log mit Änderungen anzeigen/ausblenden"));
     command7_->setAccessibleName(QStringLiteral("Log mit Änderungen anzeigen/ausblenden"));
     SetArrow(command7_, ArrowShow);
     buttons->addWidget(command2_);

@@ -111,8 +111,8 @@ void HauptForm::RegisterCompanion(Companion id, QWidget* window) {
 QRect HauptForm::EntryLineRect() {
     if (!isVisible() && layout()) layout()->activate();
     QRect keep;
-    for (QWidget* w : {static_cast<QWidget*>(text3_), static_cast<QWidget*>(text4_), static_cast<QWidget*>(text5_),
-                       static_cast<QWidget*>(combo5_)})
+    for (QWidget* w : {static_cast<QWidget*>(text3_), static_cast<QWidget*>(text4_),
+                       static_cast<QWidget*>(text5_), static_cast<QWidget*>(combo5_)})
         if (w) keep |= QRect(w->mapToGlobal(QPoint(0, 0)), w->size());
     return keep;
 }

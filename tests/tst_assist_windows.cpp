@@ -134,23 +134,28 @@ private slots:
     void aLongCallShowsWithItsDistrict() {
         AssistFixture f;
         std::vector<QsoRecord> log = SmallLog();
-        log.push_back(MakeRecord(QStringLiteral("HB0/OE3KXY/PM"), 40, QStringLiteral("WI"), QStringLiteral("05:30:00")));
-        log.push_back(MakeRecord(QStringLiteral("OE3KXY"), 80, QStringLiteral("MD"), QStringLiteral("05:40:00")));
+        log.push_back(MakeRecord(QStringLiteral("HB0/OE3KXY/PM"), 40, QStringLiteral("WI"),
+                                 QStringLiteral("05:30:00")));
+        log.push_back(
+            MakeRecord(QStringLiteral("OE3KXY"), 80, QStringLiteral("MD"), QStringLiteral("05:40:00")));
         QVERIFY(f.StartWith(log));
         DBLog* d = f.OpenDBLog();
         AssistFixture::Settle();
         f.Text(3)->setFocus();
         QTest::keyClicks(f.Text(3), QStringLiteral("KXY"));
         QTRY_COMPARE(d->Rows(), 1);
-        QCOMPARE(CellTexts(d), (QStringList{QStringLiteral("HB0/OE3KXY/PM  (WI)"), QStringLiteral("OE3KXY  (MD)")}));
+        QCOMPARE(CellTexts(d),
+                 (QStringList{QStringLiteral("HB0/OE3KXY/PM  (WI)"), QStringLiteral("OE3KXY  (MD)")}));
         QTableView* v = d->GridView();
         const QFontMetrics fm(v->font());
         const int margin = 2 * (v->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, v) + 1);
         for (int c = 0; c < PartialGridModel::kColumns; ++c) {
             QCOMPARE(v->columnWidth(c), v->columnWidth(0));
-            QVERIFY2(v->columnWidth(c) >= fm.horizontalAdvance(QStringLiteral("HB0/OE3KXY/PM  (WI)")) + margin,
-                     qPrintable(QStringLiteral("%1 < %2").arg(v->columnWidth(c)).arg(
-                         fm.horizontalAdvance(QStringLiteral("HB0/OE3KXY/PM  (WI)")) + margin)));
+            QVERIFY2(
+                v->columnWidth(c) >= fm.horizontalAdvance(QStringLiteral("HB0/OE3KXY/PM  (WI)")) + margin,
+                qPrintable(QStringLiteral("%1 < %2")
+                               .arg(v->columnWidth(c))
+                               .arg(fm.horizontalAdvance(QStringLiteral("HB0/OE3KXY/PM  (WI)")) + margin)));
         }
         QVERIFY(v->viewport()->width() >= PartialGridModel::kColumns * v->columnWidth(0));
     }

@@ -72,9 +72,7 @@ struct CompanionFixture : ScoringFixture {
         return out.join(QLatin1Char(' '));
     }
     // The call, report and district fields of the main window, in global pixels.
-    QList<QWidget*> EntryLine() const {
-        return {Text(3), Text(4), Text(5), static_cast<QWidget*>(Combo(5))};
-    }
+    QList<QWidget*> EntryLine() const { return {Text(3), Text(4), Text(5), static_cast<QWidget*>(Combo(5))}; }
     static QRect Global(const QWidget* w) { return QRect(w->mapToGlobal(QPoint(0, 0)), w->size()); }
 
     Statistik* statistik = nullptr;
@@ -121,10 +119,13 @@ private slots:
 
         QStringList told;
         HauptForm* w = f.window.get();
-        QObject::connect(w, &HauptForm::statistikRefreshRequested, [&] { told << QStringLiteral("Statistik"); });
-        QObject::connect(w, &HauptForm::trackerRefreshRequested, [&] { told << QStringLiteral("LogTracker"); });
+        QObject::connect(w, &HauptForm::statistikRefreshRequested,
+                         [&] { told << QStringLiteral("Statistik"); });
+        QObject::connect(w, &HauptForm::trackerRefreshRequested,
+                         [&] { told << QStringLiteral("LogTracker"); });
         QObject::connect(w, &HauptForm::bzKarteRefreshRequested, [&] { told << QStringLiteral("BZKarte"); });
-        QObject::connect(w, &HauptForm::gridKarteRefreshRequested, [&] { told << QStringLiteral("GridKarte"); });
+        QObject::connect(w, &HauptForm::gridKarteRefreshRequested,
+                         [&] { told << QStringLiteral("GridKarte"); });
         QObject::connect(w, &HauptForm::dbLogRefreshRequested, [&] { told << QStringLiteral("DBLog"); });
         setup::PushModalDriver([](QDialog& d) {
             QCOMPARE(d.objectName(), QStringLiteral("LogNewOpen"));
@@ -199,7 +200,8 @@ private slots:
         const QRect keep(10, 60, 600, 30);
         const QPoint first = CompanionPlace(main, keep, QSize(708, 192), screen, {});
         QCOMPARE(first, QPoint(1044, 0)); // beside, at the main window's top
-        const QPoint second = CompanionPlace(main, keep, QSize(500, 300), screen, {QRect(first, QSize(708, 192))});
+        const QPoint second =
+            CompanionPlace(main, keep, QSize(500, 300), screen, {QRect(first, QSize(708, 192))});
         QVERIFY(!QRect(second, QSize(500, 300)).intersects(QRect(first, QSize(708, 192))));
         QVERIFY(screen.contains(QRect(second, QSize(500, 300))));
         // A screen no larger than the main window: below the entry line.

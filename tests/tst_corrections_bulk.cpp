@@ -4,9 +4,9 @@
 #include "corrections/zeit_aendern.h"
 #include "corrections_support.h"
 
+#include <QHeaderView>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QHeaderView>
 #include <QScrollBar>
 #include <QTableView>
 

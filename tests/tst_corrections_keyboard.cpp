@@ -142,12 +142,12 @@ private slots:
     void dupesPruefenMakesAStrandedDupeNormal() {
         CorrectionsFixture f;
         std::vector<QsoRecord> log = Morning();
-        log.push_back(MakeRecord(QStringLiteral("OE3AAA"), 80, QStringLiteral("MD"), QStringLiteral("06:10:00"),
-                                 QStringLiteral("SSB"), Status::Dupe));
-        log.push_back(MakeRecord(QStringLiteral("OE3AAA"), 80, QStringLiteral("MD"), QStringLiteral("06:20:00"),
-                                 QStringLiteral("SSB"), Status::Dupe));
-        log.push_back(MakeRecord(QStringLiteral("OE1CCC"), 80, QStringLiteral("WI"), QStringLiteral("07:10:00"),
-                                 QStringLiteral("SSB"), Status::Dupe));
+        log.push_back(MakeRecord(QStringLiteral("OE3AAA"), 80, QStringLiteral("MD"),
+                                 QStringLiteral("06:10:00"), QStringLiteral("SSB"), Status::Dupe));
+        log.push_back(MakeRecord(QStringLiteral("OE3AAA"), 80, QStringLiteral("MD"),
+                                 QStringLiteral("06:20:00"), QStringLiteral("SSB"), Status::Dupe));
+        log.push_back(MakeRecord(QStringLiteral("OE1CCC"), 80, QStringLiteral("WI"),
+                                 QStringLiteral("07:10:00"), QStringLiteral("SSB"), Status::Dupe));
         QVERIFY(f.StartWith(log));
         Model& m = f.home.model;
         QAction* entry = f.window->Action(QStringLiteral("MnDupesPruefen"));
@@ -185,7 +185,7 @@ private slots:
         const QString question = f.dialogs.LastBox()->text;
         QVERIFY(question.contains(QStringLiteral("01.05.2026  06:10:00  80m  SSB  OE3AAA  MD")));
         QVERIFY(!question.contains(QStringLiteral("06:20:00"))); // a dupe of the first once it is normal
-        QVERIFY(!question.contains(QStringLiteral("OE1CCC")));  // its normal contact is still there
+        QVERIFY(!question.contains(QStringLiteral("OE1CCC")));   // its normal contact is still there
         QVERIFY(question.endsWith(corrections::kMsgStrandedFrage));
         QCOMPARE(f.FileBytes(), before);
         QCOMPARE(m.DupeCount, 3);
@@ -220,16 +220,18 @@ private slots:
         m.Header = DefaultHeader(m);
         m.Header.MYCALL = QStringLiteral("OE1XYZ");
         m.Header.MYBZ = QStringLiteral("WI");
-        m.LogRecords = {MakeRecord(QStringLiteral("OE3AAA"), 40, QStringLiteral("MD"), QStringLiteral("06:00:00")),
-                        MakeRecord(QStringLiteral("OE3AAA"), 80, QStringLiteral("MD"), QStringLiteral("06:10:00"),
-                                   QStringLiteral("SSB"), Status::Dupe)};
+        m.LogRecords = {
+            MakeRecord(QStringLiteral("OE3AAA"), 40, QStringLiteral("MD"), QStringLiteral("06:00:00")),
+            MakeRecord(QStringLiteral("OE3AAA"), 80, QStringLiteral("MD"), QStringLiteral("06:10:00"),
+                       QStringLiteral("SSB"), Status::Dupe)};
         m.CurrentLogName = QStringLiteral("cli.KOLBO");
         BuildLogText(m, true, 2026);
         QVERIFY(WriteLogFile(m).isEmpty());
         const QString path = m.LogFolder + m.CurrentLogName;
         const CliResult list = RunCli(home.model.DataFolder, {QStringLiteral("dupes"), path});
         QCOMPARE(list.code, 0);
-        QCOMPARE(QString::fromLocal8Bit(list.out), QStringLiteral("01.05.2026  06:10:00  80m  SSB  OE3AAA  MD\n"));
+        QCOMPARE(QString::fromLocal8Bit(list.out),
+                 QStringLiteral("01.05.2026  06:10:00  80m  SSB  OE3AAA  MD\n"));
         const CliResult change =
             RunCli(home.model.DataFolder, {QStringLiteral("dupes"), path, QStringLiteral("--umwandeln")});
         QCOMPARE(change.code, 0);

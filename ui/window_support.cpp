@@ -131,7 +131,8 @@ QPoint CompanionPlace(const QRect& mainFrame, const QRect& keep, const QSize& fr
     };
     auto clear = [&](const QPoint& p) {
         const QRect r(p, frame);
-        return onScreen(p) && std::none_of(others.begin(), others.end(), [&r](const QRect& o) { return o.intersects(r); });
+        return onScreen(p) &&
+               std::none_of(others.begin(), others.end(), [&r](const QRect& o) { return o.intersects(r); });
     };
     for (const QPoint& p : spots)
         if (clear(p)) return p;
