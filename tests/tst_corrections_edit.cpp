@@ -403,11 +403,13 @@ private slots:
             QVERIFY(In<QLabel>(d, "LabelQrg")->isVisible());
             QCOMPARE(In<QLabel>(d, "LabelQrg")->text(), QStringLiteral("QRG an das Band angepasst"));
             // Back on 40 m the contact's own frequency returns, and the note goes.
-            QTest::keyClicks(In<QComboBox>(d, "Combo1"), QStringLiteral("4"));
+            QTest::keyClick(In<QComboBox>(d, "Combo1"), Qt::Key_Up);
+            QCOMPARE(In<QComboBox>(d, "Combo1")->currentText(), QStringLiteral("40m"));
             QCOMPARE(In<QLineEdit>(d, "Text12")->text(), QStringLiteral("7"));
             QCOMPARE(In<QLineEdit>(d, "Text9")->text(), QStringLiteral("020"));
             QVERIFY(!In<QLabel>(d, "LabelQrg")->isVisible());
-            QTest::keyClicks(In<QComboBox>(d, "Combo1"), QStringLiteral("8"));
+            QTest::keyClick(In<QComboBox>(d, "Combo1"), Qt::Key_Down);
+            QCOMPARE(In<QLineEdit>(d, "Text9")->text(), QStringLiteral("500"));
             Ok(d);
         });
         const Model& m = f.home.model;
