@@ -16,7 +16,9 @@
 //   kolibrino-cli update --check|--install [--server HOST[:PORT]]   see cli_upkeep.cpp
 //   kolibrino-cli delete FILE ROW                    deletes a contact (row of the time sort)
 //   kolibrino-cli edit FILE ROW FIELD=VALUE...       changes a contact as the edit window does
+//   kolibrino-cli dupes FILE [--umwandeln]            stranded dupes; with --umwandeln made normal
 //   kolibrino-cli --version                          "Kolibrino 1.0.0"
+//   kolibrino-cli --help | -h                        the usage, on standard output
 //
 // Exit status 0 on success, 1 when the log cannot be loaded, 2 on wrong use.
 #include "app/cli_corrections.h"
@@ -33,6 +35,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <cstdio>
+#include <cstring>
 
 using namespace kolibrino;
 
@@ -45,29 +48,45 @@ int RunUpdateCli(const QStringList& args);                           // app/cli_
 
 namespace {
 
+const char* const kUsage = "Aufruf:\n"
+                           "  kolibrino-cli rebuild DATEI\n"
+                           "  kolibrino-cli dupe DATEI RUFZEICHEN BAND MODE ZEIT\n"
+                           "  kolibrino-cli tallies DATEI\n"
+                           "  kolibrino-cli score DATEI\n"
+                           "  kolibrino-cli results DATEI\n"
+                           "  kolibrino-cli map DATEI BILD.png [FILTER 0-8]\n"
+                           "  kolibrino-cli rate DATEI\n"
+                           "  kolibrino-cli needed DATEI\n"
+                           "  kolibrino-cli cabrillo DATEI\n"
+                           "  kolibrino-cli adif DATEI\n"
+                           "  kolibrino-cli check DATEI\n"
+                           "  kolibrino-cli upload DATEI [--server HOST[:PORT]]\n"
+                           "  kolibrino-cli delete DATEI ZEILE\n"
+                           "  kolibrino-cli edit DATEI ZEILE FELD=WERT...\n"
+                           "  kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD] [--conf NAME=WERT]...\n"
+                           "  kolibrino-cli rig --models TEXT\n"
+                           "  kolibrino-cli partial DATEI TEXT BAND MODE ZEIT\n"
+                           "  kolibrino-cli update --check|--install [--server HOST[:PORT]]\n"
+                           "  kolibrino-cli dupes DATEI [--umwandeln]\n"
+                           "  kolibrino-cli --version\n"
+                           "  kolibrino-cli --help\n";
+
 int Usage() {
-    std::fputs("Aufruf:\n"
-               "  kolibrino-cli rebuild DATEI\n"
-               "  kolibrino-cli dupe DATEI RUFZEICHEN BAND MODE ZEIT\n"
-               "  kolibrino-cli tallies DATEI\n"
-               "  kolibrino-cli score DATEI\n"
-               "  kolibrino-cli results DATEI\n"
-               "  kolibrino-cli map DATEI BILD.png [FILTER 0-8]\n"
-               "  kolibrino-cli rate DATEI\n"
-               "  kolibrino-cli needed DATEI\n"
-               "  kolibrino-cli cabrillo DATEI\n"
-               "  kolibrino-cli adif DATEI\n"
-               "  kolibrino-cli check DATEI\n"
-               "  kolibrino-cli upload DATEI [--server HOST[:PORT]]\n"
-               "  kolibrino-cli delete DATEI ZEILE\n"
-               "  kolibrino-cli edit DATEI ZEILE FELD=WERT...\n"
-               "  kolibrino-cli rig [--model N] [--port PORT] [--speed BAUD] [--conf NAME=WERT]...\n"
-               "  kolibrino-cli rig --models TEXT\n"
-               "  kolibrino-cli partial DATEI TEXT BAND MODE ZEIT\n"
-               "  kolibrino-cli update --check|--install [--server HOST[:PORT]]\n"
-               "  kolibrino-cli --version\n",
-               stderr);
+    std::fputs(kUsage, stderr);
     return 2;
+}
+
+// --help and -h: what the tools are, and how to call them.
+int Help() {
+    std::fputs("kolibrino-cli: die Werkzeuge von Kolibrino ohne Fenster, für Skripte und Prüfungen.\n"
+               "Jeder Befehl arbeitet mit denselben Funktionen wie die Fenster.\n\n",
+               stdout);
+    std::fputs(kUsage, stdout);
+    std::fputs("\nDATEI ist eine Logdatei (.KOLBO); ZEILE zählt ab 1 in der Liste nach Zeit aufsteigend.\n"
+               "Ende mit 0 bei Erfolg, 1 wenn das Log nicht geladen oder geschrieben werden kann,\n"
+               "2 bei falschem Aufruf.\n",
+               stdout);
+    return 0;
 }
 
 void Out(const QString& text) {
@@ -111,6 +130,7 @@ QString TalliesText(const Model& m) {
 } // namespace
 
 int main(int argc, char** argv) {
+    if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) return Help();
     QCoreApplication app(argc, argv);
     const QStringList args = app.arguments().mid(1);
     if (args == QStringList{QStringLiteral("--version")}) {

@@ -1,5 +1,6 @@
 // kolibrino-cli delete FILE ROW
 // kolibrino-cli edit FILE ROW FIELD=VALUE...
+// kolibrino-cli dupes FILE [--umwandeln]
 //
 // ROW counts from 1 in the grid sorted by time ascending, as the window shows the log
 // after a load. Both go through the same logic as the windows.
@@ -12,6 +13,7 @@
 #include "core/vb_text.h"
 #include "corrections/delete_entry.h"
 #include "corrections/edit_entry.h"
+#include "corrections/stranded_dupes.h"
 #include "entry/log_grid_model.h"
 
 #include <QMap>
@@ -91,7 +93,32 @@ bool SetField(corrections::EditFields& f, const QString& name, const QString& va
 
 } // namespace
 
+// The stranded dupes, one line each; with --umwandeln they become normal contacts.
+int StrandedDupesCli(const QStringList& args, Model& m) {
+    CliDialogs dialogs;
+    LoadBezirkTable(m, dialogs);
+    if (!LoadLog(m, dialogs, CurrentLogPath(m))) return 1;
+    LogGridModel grid(m.Formats);
+    DatenInGrid1Neu(m, grid);
+    const std::vector<int> found = corrections::FindStrandedDupes(m);
+    QString list;
+    for (int record : found)
+        list += corrections::StrandedDupeLine(m.LogRecords[size_t(record)]) + QLatin1Char('\n');
+    const QByteArray bytes = list.toLocal8Bit();
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
+    if (args.size() < 3 || found.empty()) return 0;
+    SystemTimeSource clock;
+    const corrections::StrandedResult r =
+        corrections::PromoteStrandedDupes(m, dialogs, grid, found, clock.Now().date().year());
+    if (r.outcome != corrections::StrandedResult::Promoted || !r.fileWritten) return 1;
+    Err(corrections::StrandedDoneText(int(found.size())));
+    return 0;
+}
+
 int CorrectionsCli(const QStringList& args, Model& m) {
+    if (args.value(0) == QLatin1String("dupes") &&
+        (args.size() == 2 || (args.size() == 3 && args[2] == QLatin1String("--umwandeln"))))
+        return StrandedDupesCli(args, m);
     const bool isDelete = args.value(0) == QLatin1String("delete") && args.size() == 3;
     const bool isEdit = args.value(0) == QLatin1String("edit") && args.size() >= 4;
     if (!isDelete && !isEdit) return -1;
@@ -122,12 +149,22 @@ int CorrectionsCli(const QStringList& args, Model& m) {
     }
     bool warn = false;
     corrections::EditFields f = corrections::FieldsOfRow(grid, row, &warn);
+    const corrections::EditFields opened = f;
+    bool qrgGiven = false;
     for (int i = 3; i < args.size(); ++i) {
         const qsizetype eq = args[i].indexOf(QLatin1Char('='));
         if (eq <= 0 || !SetField(f, args[i].left(eq).toLower(), args[i].mid(eq + 1))) {
             Err(QStringLiteral("Unbekanntes Feld: %1").arg(args[i]));
             return 2;
         }
+        qrgGiven = qrgGiven || args[i].left(eq).toLower() == QLatin1String("qrg");
+    }
+    // A new band moves a frequency that does not lie in it, as the edit window does.
+    if (!qrgGiven && f.bandIndex != opened.bandIndex) {
+        const corrections::FrequencyFields q =
+            corrections::FrequencyForBand(f.bandIndex, f.mhz, f.khz, opened.mhz, opened.khz);
+        f.mhz = q.mhz;
+        f.khz = q.khz;
     }
     if (const auto failure = corrections::CheckEdit(m, grid, row, f)) {
         Err(failure->message);

@@ -24,9 +24,30 @@
 
 using namespace kolibrino;
 
+namespace {
+
+const char* HelpText() {
+    return "Aufruf:\n"
+           "  kolibrino            startet das Logbuch für den ZEFT-80/40m-Contest\n"
+           "  kolibrino --version  zeigt Namen und Version\n"
+           "  kolibrino --help     zeigt diese Hilfe (auch -h)\n"
+           "\n"
+           "Beim Start erscheint die Log-Verwaltung; dort wird ein Log geöffnet oder neu angelegt.\n"
+           "Einstellungen (kolibrino.INI) und Logs liegen im Datenordner $KOLIBRINO_HOME,\n"
+           "sonst $XDG_DATA_HOME/kolibrino/ oder ~/.local/share/kolibrino/.\n"
+           "Die Anleitung öffnet sich mit Hilfe -> Anleitung als pdf.\n"
+           "Werkzeuge ohne Fenster: kolibrino-cli --help\n";
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0) { // answered without a display
         std::printf("%s %s\n", qPrintable(ProgramTitle()), qPrintable(ProgramVersionText()));
+        return 0;
+    }
+    if (argc == 2 && (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0)) {
+        std::fputs(HelpText(), stdout); // answered without a display
         return 0;
     }
     QApplication app(argc, argv);

@@ -13,8 +13,10 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace kolibrino {
 namespace {
@@ -107,8 +109,7 @@ DBLog::DBLog(HauptForm& main, Model& m, Dialogs& dialogs, QAction* menuEntry, QW
     view_->setShowGrid(true);
     view_->setFont(GridFont());
     // Equal columns that hold the longest call the call field takes, two blanks and the district.
-    const int width = QFontMetrics(view_->font()).horizontalAdvance(QStringLiteral("OE9WWW/PM  (WW)")) + 12;
-    view_->horizontalHeader()->setDefaultSectionSize(width);
+    view_->horizontalHeader()->setDefaultSectionSize(CellWidth({}));
     view_->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     view_->verticalHeader()->setDefaultSectionSize(QFontMetrics(view_->font()).height() + 4);
     view_->setContextMenuPolicy(Qt::CustomContextMenu);
@@ -163,6 +164,18 @@ void DBLog::Load() {
     timer1_.start();
 }
 
+int DBLog::CellWidth(const std::vector<PartialEntry>& entries) const {
+    // A call of the full 13 characters the call field takes, two blanks and the
+    // bracketed district; a wider entry widens every column alike.
+    const QFontMetrics fm(view_->font());
+    const int margin =
+        2 * (view_->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, view_) + 1) + 8;
+    int text = fm.horizontalAdvance(QStringLiteral("HB0/OE9WWW/PM  (WW)"));
+    for (const PartialEntry& e : entries)
+        text = std::max(text, fm.horizontalAdvance(e.CellText()));
+    return text + margin;
+}
+
 void DBLog::ApplyColours() {
     QPalette p = view_->palette();
     p.setColor(QPalette::Base, Bgr(colours_.hFarbe));
@@ -196,7 +209,12 @@ void DBLog::Timer1Tick() {
         PartialCallSearch(m_.CallIndex, m_.LogRecords, text3_->text(), BandOfText(combo1_->currentText()),
                           combo2_->currentText(), period, rule_);
     if (list.empty()) return;
+    const int width = CellWidth(list);
     grid_.SetEntries(std::move(list));
+    if (width != view_->horizontalHeader()->defaultSectionSize()) {
+        view_->horizontalHeader()->setDefaultSectionSize(width);
+        FitWidth();
+    }
     view_->clearSelection();
     view_->setCurrentIndex(QModelIndex());
 }

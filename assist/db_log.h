@@ -90,6 +90,8 @@ protected:
 private:
     void ApplyColours();
     void FitWidth();
+    // The equal width of the columns: enough for the longest call and for every entry.
+    int CellWidth(const std::vector<PartialEntry>& entries) const;
     void PickColourName(bool worked);
 
     HauptForm& main_;

@@ -99,6 +99,11 @@ void Bearbeiten::Build() {
     line2->addWidget(text9_);
     line2->addWidget(new QLabel(QStringLiteral("kHz"), this));
     outer->addLayout(line2);
+    labelQrg_ = new QLabel(QStringLiteral("QRG an das Band angepasst"), this);
+    labelQrg_->setObjectName(QStringLiteral("LabelQrg"));
+    labelQrg_->setAlignment(Qt::AlignRight);
+    labelQrg_->hide();
+    outer->addWidget(labelQrg_);
 
     auto* buttons = new QHBoxLayout;
     command4_ = new QPushButton(QStringLiteral("&OK"), this);
@@ -149,7 +154,23 @@ bool Bearbeiten::Open() {
     if (warn) dialogs_.MsgBox(kMsgFrequenzUngueltig, Msg::Critical);
     text12_->setText(f.mhz);
     text9_->setText(f.khz);
+    openedMhz_ = f.mhz;
+    openedKhz_ = f.khz;
+    connect(combo1_, &QComboBox::currentIndexChanged, this, &Bearbeiten::Combo1Change);
     return true;
+}
+
+void Bearbeiten::Combo1Change(int index) {
+    const FrequencyFields f =
+        FrequencyForBand(index, text12_->text(), text9_->text(), openedMhz_, openedKhz_);
+    if (!f.changed) return;
+    text12_->setText(f.mhz);
+    text9_->setText(f.khz);
+    const bool moved = f.mhz != openedMhz_ || f.khz != openedKhz_;
+    labelQrg_->setVisible(moved);
+    // The moved fields stand out until the window closes or they hold the old frequency again.
+    for (QLineEdit* e : {text12_, text9_})
+        e->setStyleSheet(moved ? QStringLiteral("QLineEdit { background: #ffff80; }") : QString());
 }
 
 int Bearbeiten::ShowModal() {

@@ -17,6 +17,7 @@
 
 class QCheckBox;
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QPushButton;
 
@@ -47,6 +48,8 @@ protected:
 private:
     void Build();
     void FocusOn(EditFocus f);
+    // A new band moves a frequency that does not lie in it, and says so.
+    void Combo1Change(int index);
 
     HauptForm& main_;
     Model& m_;
@@ -68,6 +71,9 @@ private:
     QComboBox* combo6_ = nullptr;
     QLineEdit* text12_ = nullptr;
     QLineEdit* text9_ = nullptr;
+    QLabel* labelQrg_ = nullptr; // "QRG an das Band angepasst" after such a move
+    QString openedMhz_;
+    QString openedKhz_;
     QPushButton* command4_ = nullptr;
     QPushButton* command1_ = nullptr;
 };

@@ -21,6 +21,16 @@ int RowOfRecord(const LogGridModel& grid, int recordIndex) {
     return -1;
 }
 
+int PromoteDupeRow(Model& m, LogGridModel& grid, int dupeRow) {
+    grid.SetText(dupeRow, kGridColDupe, QString());
+    grid.ClearBackColors(dupeRow);
+    const int record = ToInt16(LeadingNumber(grid.Text(dupeRow, kGridColLaufNr)));
+    const bool known = record >= 0 && size_t(record) < m.LogRecords.size();
+    if (known) m.LogRecords[size_t(record)].Status = Status::Normal;
+    m.DupeCount -= 1;
+    return known ? record : -1;
+}
+
 namespace {
 
 qsizetype LiveRecords(const Model& m) {
@@ -89,13 +99,7 @@ DeleteResult DeleteEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, int row
             }
             const int dupe = FindDependentDupe(m, grid, row);
             if (dupe >= 0) {
-                grid.SetText(dupe, kGridColDupe, QString());
-                grid.ClearBackColors(dupe);
-                const int promotedRecord = ToInt16(LeadingNumber(grid.Text(dupe, kGridColLaufNr)));
-                if (promotedRecord >= 0 && size_t(promotedRecord) < m.LogRecords.size())
-                    m.LogRecords[size_t(promotedRecord)].Status = Status::Normal;
-                m.DupeCount -= 1;
-                res.promotedRecord = promotedRecord;
+                res.promotedRecord = PromoteDupeRow(m, grid, dupe);
                 res.promotedRow = dupe;
                 promoted = true; // it inherits the deleted contact's counts
             }

@@ -52,4 +52,10 @@ DeleteResult DeleteEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, int row
 // The grid row of a record's running number, -1 when no row shows it.
 int RowOfRecord(const LogGridModel& grid, int recordIndex);
 
+// The promotion of a dupe in grid row dupeRow to a normal contact: its "Dupe" cell
+// emptied and its colours taken off, its record's Status 0, DupeCount lowered by one.
+// No other counter changes (a deletion hands the deleted contact's counts on). Returns
+// the record index, -1 when the row names no record.
+int PromoteDupeRow(Model& m, LogGridModel& grid, int dupeRow);
+
 } // namespace kolibrino::corrections

@@ -105,6 +105,40 @@ QString NormalizeKhz(const QString& text) {
     return digits;
 }
 
+bool BandHoldsFrequency(int bandIndex, double khz) {
+    switch (bandIndex) {
+    case 0:
+        return khz >= 7000.0 && khz <= 7200.0;
+    case 1:
+        return khz >= 3500.0 && khz <= 3800.0;
+    case 2:
+        return khz >= 10100.0 && khz <= 10150.0;
+    default:
+        return false;
+    }
+}
+
+FrequencyFields FrequencyForBand(int bandIndex, const QString& mhz, const QString& khz,
+                                 const QString& originalMhz, const QString& originalKhz) {
+    auto fits = [bandIndex](const QString& a, const QString& b) {
+        bool ok = false;
+        const double v = (TrimBlanks(a) + NormalizeKhz(b)).toDouble(&ok);
+        return ok && BandHoldsFrequency(bandIndex, v);
+    };
+    FrequencyFields f{mhz, khz, false};
+    if (bandIndex < 0 || fits(mhz, khz)) return f;
+    if (fits(originalMhz, originalKhz)) {
+        f.mhz = originalMhz;
+        f.khz = originalKhz;
+    } else {
+        const QString text = FloatText(DefaultFrequency(bandIndex));
+        f.mhz = text.left(text.size() - 3);
+        f.khz = text.right(3);
+    }
+    f.changed = f.mhz != mhz || f.khz != khz;
+    return f;
+}
+
 bool EditCallExistTest(const Model& m, const QString& call, const EditFields& f, int editedRecord) {
     const QString key = IndexKey(call);
     const int band = BandOfText(f.band);

@@ -67,6 +67,20 @@ EditFields FieldsOfRow(const LogGridModel& grid, int row, bool* frequencyWarning
 // The three kilohertz digits: the trimmed text laid over "000" from the left.
 QString NormalizeKhz(const QString& text);
 
+// The frequency fields after a change of band (list position bandIndex). A frequency
+// that lies in the new band stays; otherwise the contact's frequency as it opened
+// (originalMhz, originalKhz) when that one lies in the band, else the band's default,
+// as logging takes it. changed tells whether the fields differ from those given.
+struct FrequencyFields {
+    QString mhz;
+    QString khz;
+    bool changed = false;
+};
+FrequencyFields FrequencyForBand(int bandIndex, const QString& mhz, const QString& khz,
+                                 const QString& originalMhz, const QString& originalKhz);
+// Whether a frequency in kHz lies in the contest's part of a band (list position).
+bool BandHoldsFrequency(int bandIndex, double khz);
+
 // The window's own clash test: another live contact of call on the band and mode of
 // the fields, in the period of the fields' time, other than the record under edit.
 bool EditCallExistTest(const Model& m, const QString& call, const EditFields& f, int editedRecord);

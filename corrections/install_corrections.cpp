@@ -3,6 +3,7 @@
 #include "core/backup.h"
 #include "corrections/bearbeiten.h"
 #include "corrections/delete_entry.h"
+#include "corrections/stranded_dupes.h"
 #include "corrections/zeit_aendern.h"
 #include "entry/log_grid_view.h"
 #include "entry/main_window.h"
@@ -94,6 +95,22 @@ void BearbeitenFlow(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource& 
     FocusCall(w);
 }
 
+void MnDupesPruefen(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource& clock) {
+    const StrandedResult r = DupesPruefen(m, dialogs, w.Grid(), clock.Now().date().year());
+    if (r.outcome == StrandedResult::LogTextBroken) {
+        w.close();
+        QCoreApplication::exit(1);
+        return;
+    }
+    if (r.outcome != StrandedResult::Promoted) return;
+    w.SetFileUpToDate(r.fileWritten);
+    BackupAfterChange(w, m, dialogs);
+    Refresh refresh;
+    refresh.statistik = refresh.karten = refresh.tracker = refresh.dbLog = true;
+    RequestRefresh(w, m, refresh);
+    FocusCall(w);
+}
+
 void InstallCorrections(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSource& clock) {
     for (const char* name : {"MnVerstecktLoeschen", "MnVerstecktBearbeiten"})
         if (QAction* a = w.Action(QString::fromLatin1(name))) a->setEnabled(true);
@@ -105,6 +122,11 @@ void InstallCorrections(HauptForm& w, Model& m, Dialogs& dialogs, const TimeSour
         a->setEnabled(true);
         QObject::connect(a, &QAction::triggered, &w,
                          [&w, &m, &dialogs, &clock] { MnLogExportierenDatumZeit(w, m, dialogs, clock); });
+    }
+    if (QAction* a = w.Action(QStringLiteral("MnDupesPruefen"))) {
+        a->setEnabled(true);
+        QObject::connect(a, &QAction::triggered, &w,
+                         [&w, &m, &dialogs, &clock] { MnDupesPruefen(w, m, dialogs, clock); });
     }
 }
 

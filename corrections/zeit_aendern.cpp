@@ -2,6 +2,7 @@
 
 #include "core/settings.h"
 #include "corrections/bulk_change.h"
+#include "entry/log_grid_view.h"
 #include "entry/main_window.h"
 #include "setup/modal.h"
 #include "ui/field_gate.h"
@@ -15,10 +16,14 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QTableView>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace kolibrino::corrections {
 namespace {
@@ -32,7 +37,33 @@ QPushButton* Button(QWidget* parent, const char* name, const QString& caption, c
 
 constexpr int kAsk = Msg::YesNoCancel | Msg::Question; // 35
 
+// The rows the grid shows at least when the window grows for it (fewer when the log
+// is shorter or the screen lower).
+constexpr int kGridRowsShown = 15;
+
+// The arrow of the toggle button, drawn: the symbol font's "4" (points right, grid
+// hidden) and "3" (points left, grid shown).
+QIcon ArrowIcon(QChar marlett, const QColor& colour) {
+    const int size = 16;
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(Qt::NoPen);
+    p.setBrush(colour);
+    const bool right = marlett == QLatin1Char('4');
+    const QPolygonF triangle = right ? QPolygonF({QPointF(5, 3), QPointF(12, 8), QPointF(5, 13)})
+                                     : QPolygonF({QPointF(11, 3), QPointF(4, 8), QPointF(11, 13)});
+    p.drawPolygon(triangle);
+    return QIcon(pixmap);
+}
+
 } // namespace
+
+void SetArrow(QPushButton* button, QChar marlett) {
+    button->setIcon(ArrowIcon(marlett, button->palette().color(QPalette::ButtonText)));
+    button->setProperty("marlett", QString(marlett));
+}
 
 ZeitAendern::ZeitAendern(HauptForm& main, Model& m, Dialogs& dialogs, const TimeSource& clock)
     : QDialog(&main), main_(main), m_(m), dialogs_(dialogs), clock_(clock), copy_(m.LogRecords),
@@ -105,9 +136,10 @@ void ZeitAendern::Build() {
     command6_ = Button(controls_, "Command6", QStringLiteral("S&peichern"),
                        QStringLiteral("Änderungen dauerhaft speichern"));
     command6_->setEnabled(false);
-    command7_ = Button(controls_, "Command7", QStringLiteral("4"),
-                       QStringLiteral("Log mit Änderungen anzeigen/ausblenden"));
-    command7_->setFont(QFont(QStringLiteral("Marlett")));
+    command7_ =
+        Button(controls_, "Command7", QString(), QStringLiteral("Log mit Änderungen anzeigen/ausblenden"));
+    command7_->setAccessibleName(QStringLiteral("Log mit Änderungen anzeigen/ausblenden"));
+    SetArrow(command7_, ArrowShow);
     buttons->addWidget(command2_);
     buttons->addWidget(command6_);
     buttons->addWidget(command1_);
@@ -129,15 +161,13 @@ void ZeitAendern::Build() {
     connect(command5_, &QPushButton::clicked, this, &ZeitAendern::EndSelection);
     outer->addWidget(picture2_);
 
-    grid1_ = new QTableView(this);
+    // The columns and widths of the main window's grid.
+    auto* view = new LogGridView(this);
+    grid1_ = view;
     grid1_->setObjectName(QStringLiteral("MSFlexGrid1"));
     grid1_->setModel(&grid_);
-    grid1_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    grid1_->setSelectionMode(QAbstractItemView::SingleSelection);
-    grid1_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    grid1_->verticalHeader()->setVisible(false);
-    for (int c = kGridFirstHidden; c < kGridColumns; ++c)
-        grid1_->setColumnHidden(c, true);
+    view->SetGrid1();
+    grid1_->setAlternatingRowColors(false);
     grid1_->hide();
     connect(grid1_, &QTableView::clicked, this, [this](const QModelIndex& i) { GridClick(i.row()); });
     outer->addWidget(grid1_, 1);
@@ -197,8 +227,35 @@ void ZeitAendern::ShowGrid(bool on) {
     gridShown_ = on;
     if (on) FillGrid();
     grid1_->setVisible(on);
-    command7_->setText(on ? QStringLiteral("3") : QStringLiteral("4"));
-    adjustSize();
+    SetArrow(command7_, on ? ArrowHide : ArrowShow);
+    if (on)
+        GrowForGrid();
+    else
+        adjustSize();
+}
+
+void ZeitAendern::GrowForGrid() {
+    // Wide enough for every column of the grid and high enough for its rows, as far as
+    // the screen allows.
+    int columns = 0;
+    for (int c = 0; c < grid_.columnCount(); ++c)
+        if (!grid1_->isColumnHidden(c)) columns += grid1_->columnWidth(c);
+    const int frame = 2 * grid1_->frameWidth();
+    const int rowHeight = grid1_->verticalHeader()->defaultSectionSize();
+    const int rows = std::clamp(grid_.rowCount(), 2, kGridRowsShown);
+    const QMargins margins = layout()->contentsMargins();
+    const int gridWidth = columns + grid1_->verticalScrollBar()->sizeHint().width() + frame;
+    const int gridHeight = grid1_->horizontalHeader()->sizeHint().height() + rows * rowHeight + frame;
+    int wanted = margins.left() + margins.right() + std::max(gridWidth, controls_->sizeHint().width());
+    int high = margins.top() + margins.bottom() + controls_->sizeHint().height() + layout()->spacing() +
+               (picture2_->isVisibleTo(this) ? picture2_->sizeHint().height() + layout()->spacing() : 0) +
+               gridHeight;
+    if (const QScreen* screen = this->screen()) {
+        const QRect room = screen->availableGeometry();
+        wanted = std::min(wanted, room.width() - 16);
+        high = std::min(high, room.height() - 48);
+    }
+    resize(std::max(wanted, width()), std::max(high, height()));
 }
 
 void ZeitAendern::SetControlsEnabled(bool on) {

@@ -59,6 +59,7 @@ private:
     void Build();
     void FillGrid();
     void ShowGrid(bool on);
+    void GrowForGrid();
     void SetControlsEnabled(bool on);
     int Kind() const;
 
@@ -93,6 +94,13 @@ private:
     QPushButton* command5_ = nullptr;
     QWidget* controls_ = nullptr;
 };
+
+// The arrows of the toggle button, by their characters in the symbol font: "4" shows
+// the grid, "3" hides it. The button shows the arrow drawn; its property "marlett"
+// holds the character.
+inline constexpr QChar ArrowShow = QLatin1Char('4');
+inline constexpr QChar ArrowHide = QLatin1Char('3');
+void SetArrow(QPushButton* button, QChar marlett);
 
 // The menu entry's flow: the window, modal.
 void MnLogExportierenDatumZeit(HauptForm& main, Model& m, Dialogs& dialogs, const TimeSource& clock);

@@ -3,8 +3,10 @@
 #include "entry/log_grid_model.h"
 #include "ui/window_support.h"
 
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
 
@@ -84,6 +86,48 @@ void LogGridView::mousePressEvent(QMouseEvent* event) {
     setCurrentIndex(model()->index(row, 0));
     selectRow(row);
     emit popupRequested(row, event->globalPosition().toPoint());
+}
+
+int LogGridView::SelectedRow() const {
+    if (!model() || model()->rowCount() == 0) return -1;
+    const int row = currentIndex().row();
+    return row >= 0 && row < model()->rowCount() ? row : -1;
+}
+
+void LogGridView::PopupAtSelectedRow() {
+    const int row = SelectedRow();
+    if (row < 0) return;
+    selectRow(row);
+    scrollTo(model()->index(row, 0));
+    const QRect cell = visualRect(model()->index(row, 4));
+    emit popupRequested(row, viewport()->mapToGlobal(cell.isValid() ? cell.bottomLeft() : QPoint(0, 0)));
+}
+
+void LogGridView::keyPressEvent(QKeyEvent* event) {
+    const Qt::KeyboardModifiers mods = event->modifiers() & ~Qt::KeypadModifier;
+    const int key = event->key();
+    if (key == Qt::Key_Menu || (key == Qt::Key_F10 && mods == Qt::ShiftModifier)) {
+        PopupAtSelectedRow();
+        event->accept();
+        return;
+    }
+    if (mods == Qt::NoModifier && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_F2)) {
+        if (const int row = SelectedRow(); row >= 0) emit editRequested(row);
+        event->accept();
+        return;
+    }
+    if (mods == Qt::NoModifier && key == Qt::Key_Delete) {
+        if (const int row = SelectedRow(); row >= 0) emit deleteRequested(row);
+        event->accept();
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void LogGridView::contextMenuEvent(QContextMenuEvent* event) {
+    // The right button is handled on its press; the keyboard's menu key comes here.
+    if (event->reason() == QContextMenuEvent::Keyboard) PopupAtSelectedRow();
+    event->accept();
 }
 
 } // namespace kolibrino

@@ -1,6 +1,8 @@
 // The view of the main window's log grid: whole-row selection, the hidden working
 // columns, the red "Dupe" cell, and the right-button press that selects the row under
-// the pointer and asks for the pop-up menu.
+// the pointer and asks for the pop-up menu. From the keyboard: the Menu key and
+// Shift+F10 ask for the pop-up at the selected row, Enter and F2 for editing it, Entf
+// for deleting it.
 //
 // GUI thread only. Never fails; a press outside the rows does nothing.
 #pragma once
@@ -25,11 +27,22 @@ public:
 signals:
     // Right button pressed on a data row (0-based); the row is selected already.
     void popupRequested(int row, const QPoint& globalPos);
+    // Enter or F2, and Entf, on the selected data row (0-based).
+    void editRequested(int row);
+    void deleteRequested(int row);
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    // The context-menu key as the window system reports it.
+    void contextMenuEvent(QContextMenuEvent* event) override;
     // A grid that changes its height keeps its last row in view.
     void resizeEvent(QResizeEvent* event) override;
+
+private:
+    // The selected data row, -1 when none.
+    int SelectedRow() const;
+    void PopupAtSelectedRow();
 };
 
 } // namespace kolibrino

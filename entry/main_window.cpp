@@ -19,6 +19,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 namespace kolibrino {
@@ -68,6 +69,15 @@ void HauptForm::BuildGrid(QWidget* host) {
         QAction* edit = Action(QStringLiteral("MnVerstecktBearbeiten"));
         if (edit && edit->isEnabled()) emit bearbeitenRequested(i.row());
     });
+    // The same from the keyboard: Enter and F2 edit, Entf deletes the selected row.
+    connect(gridView_, &LogGridView::editRequested, this, [this](int row) {
+        QAction* edit = Action(QStringLiteral("MnVerstecktBearbeiten"));
+        if (edit && edit->isEnabled()) emit bearbeitenRequested(row);
+    });
+    connect(gridView_, &LogGridView::deleteRequested, this, [this](int row) {
+        QAction* loeschen = Action(QStringLiteral("MnVerstecktLoeschen"));
+        if (loeschen && loeschen->isEnabled()) emit loeschenRequested(row);
+    });
     connect(gridView_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             [this](const QModelIndex& current) { GridRowChanged(current.row()); });
 }
@@ -94,6 +104,33 @@ void HauptForm::DatenInGrid1Neu() {
 
 void HauptForm::RegisterCompanion(Companion id, QWidget* window) {
     companions_[size_t(id)] = window;
+    // Placed on its first showing, once its Load has read what is stored.
+    if (window) window->installEventFilter(this);
+}
+
+QRect HauptForm::EntryLineRect() {
+    if (!isVisible() && layout()) layout()->activate();
+    QRect keep;
+    for (QWidget* w : {static_cast<QWidget*>(text3_), static_cast<QWidget*>(text4_),
+                       static_cast<QWidget*>(text5_), static_cast<QWidget*>(combo5_)})
+        if (w) keep |= QRect(w->mapToGlobal(QPoint(0, 0)), w->size());
+    return keep;
+}
+
+void HauptForm::PlaceCompanion(Companion id, QWidget* window) {
+    if (window->property("kolibrinoPlaced").toBool()) return;
+    window->setProperty("kolibrinoPlaced", true);
+    if (HasStoredWindowPos(QString::fromLatin1(CompanionOf(id).posName))) return; // the stored place wins
+    // The frame is not known before the first showing: a title bar and borders of the usual size.
+    const QSize frame = window->size() + QSize(8, 32);
+    std::vector<QRect> others;
+    for (const CompanionDef& c : Companions()) {
+        QWidget* o = CompanionWindow(c.id);
+        if (o && o != window && o->isVisible()) others.push_back(o->frameGeometry());
+    }
+    const QScreen* screen = this->screen();
+    const QRect room = screen ? screen->availableGeometry() : QRect(0, 0, 800, 600);
+    window->move(CompanionPlace(frameGeometry(), EntryLineRect(), frame, room, others));
 }
 
 QWidget* HauptForm::CompanionWindow(Companion id) const {
@@ -101,6 +138,10 @@ QWidget* HauptForm::CompanionWindow(Companion id) const {
 }
 
 bool HauptForm::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Show) {
+        for (const CompanionDef& c : Companions())
+            if (QWidget* w = CompanionWindow(c.id); w && w == watched) PlaceCompanion(c.id, w);
+    }
     switch (event->type()) {
     case QEvent::KeyPress: {
         auto* key = static_cast<QKeyEvent*>(event);

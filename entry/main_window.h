@@ -203,6 +203,11 @@ private:
     void ApplyZpm(int index);
     bool OpenInShell(const QUrl& url);
     QWidget* CompanionWindow(Companion id) const;
+    // The first showing of a companion window with no stored place: beside or below
+    // this window, never over the entry line.
+    void PlaceCompanion(Companion id, QWidget* window);
+    // The call, report and district fields, in global pixels.
+    QRect EntryLineRect();
     void GridRowChanged(int row);
     void GridPopup(int row, const QPoint& globalPos);
     void RememberPopupRow(int row) { popupRow_ = row; }

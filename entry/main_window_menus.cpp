@@ -129,6 +129,8 @@ void HauptForm::BuildMenus() {
             false);
     AddSeparator(extras, QStringLiteral("MnST5"));
     AddItem(extras, QStringLiteral("MnLogHochladen"), QStringLiteral("Ca&brillo-Datei einsenden"), false);
+    AddSeparator(extras, QStringLiteral("MnStDupes"));
+    AddItem(extras, QStringLiteral("MnDupesPruefen"), QStringLiteral("&Dupes prüfen…"), false);
 
     QMenu* fenster = top(QStringLiteral("MnAnsicht"), QStringLiteral("&Fenster"));
     auto companionEntry = [&](Companion id, const QString& caption) {

@@ -36,6 +36,9 @@ MainHooks HooksOf(HauptForm& w, Model& m) {
     h.refreshSideWindows = [&w, &m] {
         if (m.Open.Statistik) emit w.statistikRefreshRequested();
         if (m.Open.LogTracker) emit w.trackerRefreshRequested();
+        if (m.Open.BZKarte) emit w.bzKarteRefreshRequested();
+        if (m.Open.GridKarte) emit w.gridKarteRefreshRequested();
+        if (m.Open.DBLog) emit w.dbLogRefreshRequested();
     };
     h.setTitle = [&w](const QString& title) { w.setWindowTitle(title); };
     h.armBackupTimer = [&w] { w.Timer3().start(); };

@@ -9,6 +9,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QMenu>
+#include <QStyle>
 #include <QTableView>
 #include <QTableWidget>
 
@@ -126,6 +127,37 @@ private slots:
                  QColor(255, 0, 0));
         QCOMPARE(d->windowTitle(), QStringLiteral("Teilrufzeichen                       ROT=gearbeitet     "
                                                   "GR\u00dcN=nicht gearbeitet     40m SSB"));
+    }
+
+    // A call of 13 characters shows with its district: the equal columns are wide enough
+    // for the call, two blanks and the bracketed district, and the window for five of them.
+    void aLongCallShowsWithItsDistrict() {
+        AssistFixture f;
+        std::vector<QsoRecord> log = SmallLog();
+        log.push_back(MakeRecord(QStringLiteral("HB0/OE3KXY/PM"), 40, QStringLiteral("WI"),
+                                 QStringLiteral("05:30:00")));
+        log.push_back(
+            MakeRecord(QStringLiteral("OE3KXY"), 80, QStringLiteral("MD"), QStringLiteral("05:40:00")));
+        QVERIFY(f.StartWith(log));
+        DBLog* d = f.OpenDBLog();
+        AssistFixture::Settle();
+        f.Text(3)->setFocus();
+        QTest::keyClicks(f.Text(3), QStringLiteral("KXY"));
+        QTRY_COMPARE(d->Rows(), 1);
+        QCOMPARE(CellTexts(d),
+                 (QStringList{QStringLiteral("HB0/OE3KXY/PM  (WI)"), QStringLiteral("OE3KXY  (MD)")}));
+        QTableView* v = d->GridView();
+        const QFontMetrics fm(v->font());
+        const int margin = 2 * (v->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, v) + 1);
+        for (int c = 0; c < PartialGridModel::kColumns; ++c) {
+            QCOMPARE(v->columnWidth(c), v->columnWidth(0));
+            QVERIFY2(
+                v->columnWidth(c) >= fm.horizontalAdvance(QStringLiteral("HB0/OE3KXY/PM  (WI)")) + margin,
+                qPrintable(QStringLiteral("%1 < %2")
+                               .arg(v->columnWidth(c))
+                               .arg(fm.horizontalAdvance(QStringLiteral("HB0/OE3KXY/PM  (WI)")) + margin)));
+        }
+        QVERIFY(v->viewport()->width() >= PartialGridModel::kColumns * v->columnWidth(0));
     }
 
     void typingOeAloneShowsNothing() {

@@ -130,6 +130,51 @@ private slots:
         QCOMPARE(Run({QStringLiteral("rebuild")}).code, 2);
         QCOMPARE(Run({QStringLiteral("unbekannt"), QStringLiteral("x")}).code, 2);
     }
+
+    // --help and -h print the usage in German on standard output and end with 0; no
+    // arguments or wrong ones keep status 2 with the usage on standard error.
+    void helpPrintsTheUsageAndEndsWithZero_data() {
+        QTest::addColumn<QString>("option");
+        QTest::newRow("--help") << QStringLiteral("--help");
+        QTest::newRow("-h") << QStringLiteral("-h");
+    }
+    void helpPrintsTheUsageAndEndsWithZero() {
+        QFETCH(QString, option);
+        const Result r = Run({option});
+        QCOMPARE(r.code, 0);
+        const QString out = QString::fromUtf8(r.out);
+        QVERIFY(out.startsWith(QStringLiteral("kolibrino-cli: die Werkzeuge von Kolibrino ohne Fenster")));
+        QVERIFY(out.contains(QStringLiteral("Aufruf:\n  kolibrino-cli rebuild DATEI\n")));
+        QVERIFY(out.contains(QStringLiteral("kolibrino-cli --help\n")));
+        QVERIFY(r.err.isEmpty());
+        const Result none = Run({});
+        QCOMPARE(none.code, 2);
+        QVERIFY(none.out.isEmpty());
+        QVERIFY(QString::fromUtf8(none.err).startsWith(QStringLiteral("Aufruf:\n")));
+        QCOMPARE(Run({QStringLiteral("--hilfe")}).code, 2);
+    }
+
+    // The window program answers --help and -h without a display: no window system is
+    // reachable (no DISPLAY, no Wayland, the xcb platform forced), and it still ends with 0.
+    void windowProgramAnswersHelpWithoutADisplay_data() { helpPrintsTheUsageAndEndsWithZero_data(); }
+    void windowProgramAnswersHelpWithoutADisplay() {
+        QFETCH(QString, option);
+        QProcess p;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.remove(QStringLiteral("DISPLAY"));
+        env.remove(QStringLiteral("WAYLAND_DISPLAY"));
+        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+        env.insert(QStringLiteral("KOLIBRINO_HOME"), home->path());
+        env.insert(QStringLiteral("LC_ALL"), QStringLiteral("de_AT.UTF-8"));
+        p.setProcessEnvironment(env);
+        p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino"), {option});
+        QVERIFY(p.waitForFinished(60000));
+        QCOMPARE(p.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(p.exitCode(), 0);
+        const QString out = QString::fromUtf8(p.readAllStandardOutput());
+        QVERIFY(out.startsWith(QStringLiteral("Aufruf:\n  kolibrino            startet das Logbuch")));
+        QVERIFY(out.contains(QStringLiteral("kolibrino --version")));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestCli)

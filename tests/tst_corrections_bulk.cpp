@@ -4,8 +4,10 @@
 #include "corrections/zeit_aendern.h"
 #include "corrections_support.h"
 
+#include <QHeaderView>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QTableView>
 
 using namespace kolibrino;
@@ -325,10 +327,65 @@ private slots:
             QVERIFY(!w->GridShown());
             Click(d, "Command7");
             QVERIFY(w->GridShown());
-            QCOMPARE(In<QPushButton>(d, "Command7")->text(), QStringLiteral("3"));
+            QCOMPARE(In<QPushButton>(d, "Command7")->property("marlett").toString(), QStringLiteral("3"));
             QCOMPARE(w->Grid().DataRows(), 4);
             Click(d, "Command7");
-            QCOMPARE(In<QPushButton>(d, "Command7")->text(), QStringLiteral("4"));
+            QCOMPARE(In<QPushButton>(d, "Command7")->property("marlett").toString(), QStringLiteral("4"));
+        });
+    }
+
+    // The toggle button shows a drawn arrow, never the symbol font's digits: pointing
+    // right while the grid is hidden, left while it is shown.
+    void theToggleButtonShowsAnArrowNotADigit() {
+        CorrectionsFixture f;
+        QVERIFY(f.StartWith(Log()));
+        Open(f, [&](QDialog& d) {
+            QPushButton* b = In<QPushButton>(d, "Command7");
+            auto pointsRight = [b] {
+                const QImage img = b->icon().pixmap(16, 16).toImage();
+                // Left upper corner of a triangle that points right; outside one that points left.
+                return qAlpha(img.pixel(5, 4)) > 0;
+            };
+            QVERIFY(b->text().isEmpty());
+            QVERIFY(!b->icon().isNull());
+            QVERIFY(pointsRight());
+            Click(d, "Command7");
+            QVERIFY(b->text().isEmpty());
+            QVERIFY(!b->icon().isNull());
+            QVERIFY(!pointsRight());
+        });
+    }
+
+    // Choosing the start entry grows the window so that the grid shows its columns and
+    // many rows, not two; hiding the grid gives the window its small size back.
+    void choosingTheStartEntryGrowsTheWindowToShowTheGrid() {
+        CorrectionsFixture f;
+        std::vector<QsoRecord> log;
+        for (int i = 0; i < 20; ++i)
+            log.push_back(MakeRecord(QStringLiteral("OE3A%1").arg(QChar(u'A' + i)), 80, QStringLiteral("MD"),
+                                     QStringLiteral("05:%1:00").arg(10 + i)));
+        QVERIFY(f.StartWith(log));
+        Open(f, [&](QDialog& d) {
+            const QSize small = d.size();
+            Click(d, "Check1");
+            QCOMPARE(d.windowTitle(), QStringLiteral("Wähle das Start-QSO"));
+            auto* v = In<QTableView>(d, "MSFlexGrid1");
+            QVERIFY(v->isVisible());
+            QCoreApplication::processEvents();
+            const int rowHeight = v->verticalHeader()->defaultSectionSize();
+            QVERIFY2(v->viewport()->height() >= 10 * rowHeight,
+                     qPrintable(QStringLiteral("%1 x %2").arg(d.width()).arg(d.height())));
+            QCOMPARE(v->horizontalScrollBar()->maximum(), 0); // every column in view
+            QVERIFY(d.width() > small.width());
+            Click(d, "Command5");
+            Click(d, "Check1");
+            // The arrow hides the grid and gives the small window back, and shows it again.
+            Click(d, "Command7");
+            QVERIFY(!v->isVisible());
+            QVERIFY(d.height() < small.height() + 10 * rowHeight);
+            Click(d, "Command7");
+            QVERIFY(v->isVisible());
+            QVERIFY(v->viewport()->height() >= 10 * rowHeight);
         });
     }
 

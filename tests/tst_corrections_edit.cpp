@@ -4,6 +4,7 @@
 #include "corrections/edit_entry.h"
 #include "corrections_support.h"
 
+#include <QLabel>
 #include <QPushButton>
 
 using namespace kolibrino;
@@ -382,6 +383,56 @@ private slots:
         });
         QVERIFY(m.StaatsfunkRecords.empty());
         ReloadEqualsLive(m, f.LogPath());
+    }
+
+    // A contact moved from 40 m to 80 m does not keep 7020 kHz: the frequency fields take
+    // the band's default, the window says so, and the file holds 3500.
+    void aBandChangeMovesAFrequencyThatNoLongerFits() {
+        CorrectionsFixture f;
+        std::vector<QsoRecord> log = Morning();
+        log[2].Frequenz = 7020.0f;
+        QVERIFY(f.StartWith(log));
+        Edit(f, f.RowOf(2), [](QDialog& d) {
+            QCOMPARE(In<QLineEdit>(d, "Text12")->text(), QStringLiteral("7"));
+            QCOMPARE(In<QLineEdit>(d, "Text9")->text(), QStringLiteral("020"));
+            QTest::keyClicks(In<QComboBox>(d, "Combo1"), QStringLiteral("8"));
+            QCOMPARE(In<QComboBox>(d, "Combo1")->currentText(), QStringLiteral("80m"));
+            QCOMPARE(In<QLineEdit>(d, "Text12")->text(), QStringLiteral("3"));
+            QCOMPARE(In<QLineEdit>(d, "Text9")->text(), QStringLiteral("500"));
+            QVERIFY(In<QLabel>(d, "LabelQrg"));
+            QVERIFY(In<QLabel>(d, "LabelQrg")->isVisible());
+            QCOMPARE(In<QLabel>(d, "LabelQrg")->text(), QStringLiteral("QRG an das Band angepasst"));
+            // Back on 40 m the contact's own frequency returns, and the note goes.
+            QTest::keyClick(In<QComboBox>(d, "Combo1"), Qt::Key_Up);
+            QCOMPARE(In<QComboBox>(d, "Combo1")->currentText(), QStringLiteral("40m"));
+            QCOMPARE(In<QLineEdit>(d, "Text12")->text(), QStringLiteral("7"));
+            QCOMPARE(In<QLineEdit>(d, "Text9")->text(), QStringLiteral("020"));
+            QVERIFY(!In<QLabel>(d, "LabelQrg")->isVisible());
+            QTest::keyClick(In<QComboBox>(d, "Combo1"), Qt::Key_Down);
+            QCOMPARE(In<QLineEdit>(d, "Text9")->text(), QStringLiteral("500"));
+            Ok(d);
+        });
+        const Model& m = f.home.model;
+        QCOMPARE(m.LogRecords[2].Band, 80);
+        QCOMPARE(m.LogRecords[2].Frequenz, 3500.0f);
+        QCOMPARE(Reloaded(m, f.LogPath()).LogRecords[2].Frequenz, 3500.0f);
+        ReloadEqualsLive(m, f.LogPath());
+    }
+
+    // A frequency the operator typed that lies in the new band stays as typed.
+    void aFrequencyInTheNewBandStays() {
+        CorrectionsFixture f;
+        QVERIFY(f.StartWith(Morning()));
+        Edit(f, f.RowOf(2), [](QDialog& d) {
+            Retype(In<QLineEdit>(d, "Text12"), QStringLiteral("3"));
+            Retype(In<QLineEdit>(d, "Text9"), QStringLiteral("650"));
+            QTest::keyClicks(In<QComboBox>(d, "Combo1"), QStringLiteral("8"));
+            QCOMPARE(In<QLineEdit>(d, "Text12")->text(), QStringLiteral("3"));
+            QCOMPARE(In<QLineEdit>(d, "Text9")->text(), QStringLiteral("650"));
+            QVERIFY(In<QLabel>(d, "LabelQrg") && !In<QLabel>(d, "LabelQrg")->isVisible());
+            Ok(d);
+        });
+        QCOMPARE(f.home.model.LogRecords[2].Frequenz, 3650.0f);
     }
 
     void cancelChangesNothing() {

@@ -408,7 +408,7 @@ void TestMainWindow::separatorsStandInTheirMenus() {
         QStringLiteral("MNSt6"),  QStringLiteral("MnSt13"), QStringLiteral("MNSt8"),  QStringLiteral("MnST3"),
         QStringLiteral("MnSt14"), QStringLiteral("MnST4"),  QStringLiteral("MnSt15"), QStringLiteral("MnSt9"),
         QStringLiteral("MnSt19"), QStringLiteral("MnSt17"), QStringLiteral("MnST2"),  QStringLiteral("MnSt1"),
-        QStringLiteral("MnST5"),  QStringLiteral("MnSt18"), QStringLiteral("MnSt16"), QStringLiteral("MnSt7"),
+        QStringLiteral("MnST5"),  QStringLiteral("MnStDupes"), QStringLiteral("MnSt18"), QStringLiteral("MnSt16"), QStringLiteral("MnSt7"),
         QStringLiteral("MnSt10"), QStringLiteral("MnSt11"), QStringLiteral("MnSt12")};
     // Walk the menus in their order and collect the separators as they stand.
     QStringList found;

@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QScreen>
 #include <QWidget>
+#include <algorithm>
 
 namespace kolibrino {
 namespace {
@@ -105,6 +106,46 @@ void WriteWindowPos(const QString& name, int topTwips, int leftTwips) {
 
 void SaveWindowPos(const QWidget* w, const QString& name) {
     WriteWindowPos(name, PixelsToTwips(w->pos().y()), PixelsToTwips(w->pos().x()));
+}
+
+bool HasStoredWindowPos(const QString& name) {
+    const QString section = QString::fromLatin1(kSectionFensterPos);
+    return !IniReadString({}, section, name + QStringLiteral("Top")).isEmpty() ||
+           !IniReadString({}, section, name + QStringLiteral("Left")).isEmpty();
+}
+
+QPoint CompanionPlace(const QRect& mainFrame, const QRect& keep, const QSize& frame, const QRect& screen,
+                      const std::vector<QRect>& others) {
+    constexpr int kGap = 4;
+    constexpr int kStep = 40;
+    std::vector<QPoint> spots;
+    const int top = std::max(mainFrame.top(), screen.top());
+    const int left = std::max(mainFrame.left(), screen.left());
+    for (int y = top; y + frame.height() <= screen.bottom() + 1; y += kStep)
+        spots.push_back({mainFrame.right() + 1 + kGap, y});
+    for (int y = top; y + frame.height() <= screen.bottom() + 1; y += kStep)
+        spots.push_back({mainFrame.left() - kGap - frame.width(), y});
+    for (int x = left; x + frame.width() <= screen.right() + 1; x += kStep)
+        spots.push_back({x, mainFrame.bottom() + 1 + kGap});
+    // A screen too small for that: over the main window, below the entry line.
+    for (int y = keep.bottom() + 1 + kGap; y + frame.height() <= screen.bottom() + 1; y += kStep)
+        for (int x = left; x + frame.width() <= screen.right() + 1; x += kStep)
+            spots.push_back({x, y});
+    auto onScreen = [&](const QPoint& p) {
+        const QRect r(p, frame);
+        return screen.contains(r) && !r.intersects(keep);
+    };
+    auto clear = [&](const QPoint& p) {
+        const QRect r(p, frame);
+        return onScreen(p) &&
+               std::none_of(others.begin(), others.end(), [&r](const QRect& o) { return o.intersects(r); });
+    };
+    for (const QPoint& p : spots)
+        if (clear(p)) return p;
+    for (const QPoint& p : spots)
+        if (onScreen(p)) return p;
+    // Nothing fits: below the entry line all the same.
+    return {left, keep.bottom() + 1 + kGap};
 }
 
 bool RunTrappedUi(Dialogs& dialogs, const std::function<QString()>& op) {

@@ -9,9 +9,11 @@
 #include "core/dialogs.h"
 #include "core/log_model.h"
 
+#include <QRect>
 #include <QString>
 #include <array>
 #include <functional>
+#include <vector>
 
 class QAction;
 class QMenu;
@@ -78,6 +80,17 @@ int ScreenHeightTwips();
 void RestoreWindowPos(QWidget* w, const QString& name);
 void SaveWindowPos(const QWidget* w, const QString& name);
 void WriteWindowPos(const QString& name, int topTwips, int leftTwips);
+
+// Whether <name>Top or <name>Left is stored in FensterPos.
+bool HasStoredWindowPos(const QString& name);
+
+// Where a companion window opens when no position is stored for it: beside the main
+// window (right, then left), else below it, each on the screen and clear of the other
+// windows if possible; on a screen too small for that, over the main window below
+// keep. The window never covers keep (the entry line). All rectangles in global
+// pixels, frames included; the result is the frame's top left corner.
+QPoint CompanionPlace(const QRect& mainFrame, const QRect& keep, const QSize& frame, const QRect& screen,
+                      const std::vector<QRect>& others);
 
 // RunTrapped() for windows: on Cancel every hourglass is taken back, as the trap's
 // Cancel leaves the event with the normal pointer.
