@@ -23,9 +23,9 @@ QString LoadFailureText(const QString& path);
 // Parses the file at path into m.Header, m.LogRecords, m.CallIndex and m.LogText.
 // Returns 1 on success, 0 after a failure (stop box shown, model emptied). Counters,
 // district tallies and state stations are left alone: RebuildTallies() makes them.
-int LoadLog(Model& m, Dialogs& dialogs, const QString& path);
+[[nodiscard]] int LoadLog(Model& m, Dialogs& dialogs, const QString& path);
 // The same parse on bytes already read; no box, the failure text in *error.
-bool ParseLog(Model& m, const QByteArray& bytes, QString* error = nullptr);
+[[nodiscard]] bool ParseLog(Model& m, const QByteArray& bytes, QString* error = nullptr);
 
 // "CREATED-BY Kolibrino v1.0.0, ©<year> by ZZ9QQQ" and its line end.
 QString IdentificationLine(int year);
@@ -41,8 +41,12 @@ QString BuildLogText(Model& m, bool rebuildIndex, const TimeSource& clock);
 // Full path of the open log.
 QString CurrentLogPath(const Model& m);
 // Replaces the open log's file with m.LogText (code page 1252, atomically).
-// Returns the empty text on success, else the error's description.
-QString WriteLogFile(const Model& m);
+// Returns the empty text on success, else the error's description. A log whose write
+// lock another program holds is never written (the text says so); a model that does
+// not hold the lock itself takes it for this one write.
+[[nodiscard]] QString WriteLogFile(const Model& m);
+// The same with the file's bytes already made.
+[[nodiscard]] QString WriteLogBytes(const Model& m, const QByteArray& bytes);
 
 // Adds (doAdd "True") or takes away (doAdd "False") one contact in ModeBandCount and
 // PeriodBandCount. Any other doAdd text changes nothing, as does an unknown band.

@@ -13,9 +13,12 @@
 #include <QString>
 #include <QTime>
 #include <array>
+#include <memory>
 #include <vector>
 
 namespace kolibrino {
+
+class LogLock; // core/log_lock.h
 
 // Bands as stored in records, and the order of the band box.
 inline constexpr int kBand40 = 40;
@@ -127,6 +130,8 @@ struct Model {
     std::vector<QsoRecord> LogRecords; // empty: the log has no contacts
     QString LogText;
     QString CallIndex = QStringLiteral("\u00B6");
+    // The write lock of the open log while this program may write it (core/log_lock.h).
+    std::shared_ptr<LogLock> WriteLock;
 
     // Tallies, rebuilt from the records by RebuildTallies().
     // Counters are wider than 16 bits so that test logs of any size never overflow.

@@ -70,7 +70,7 @@ void WriteWindowPos(const QString& name, int topTwips, int leftTwips);
 
 // RunTrapped() for windows: on Cancel every hourglass is taken back, as the trap's
 // Cancel leaves the event with the normal pointer.
-bool RunTrappedUi(Dialogs& dialogs, const std::function<QString()>& op);
+[[nodiscard]] bool RunTrappedUi(Dialogs& dialogs, const std::function<QString()>& op);
 
 // Settings flags are 0 or -1.
 inline int FlagValue(bool on) {
