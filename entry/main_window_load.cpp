@@ -235,6 +235,7 @@ void HauptForm::Unload() {
     // On the contest day the submission is offered once more.
     if (Reminders.OfferAtClosing(ContestNow(clock_, m_.ZeitOffset), grid_.DataRows())) MnLogEinsenden();
     m_.MainWindowLoaded = false;
+    m_.WriteLock.reset(); // the log is free for the next program
 }
 
 } // namespace kolibrino

@@ -11,6 +11,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <csignal>
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <mutex>
 #include <thread>
@@ -156,11 +157,15 @@ private slots:
         const QString log = home.model.LogFolder + QStringLiteral("a.KOLBO");
         int ready[2];
         QCOMPARE(::pipe(ready), 0);
+        // The child takes the lock as LogLock does, with nothing but system calls.
+        const QByteArray lockFile = QFile::encodeName(LockFileOf(log));
         const pid_t child = ::fork();
         if (child == 0) {
-            QString e;
-            const auto lock = LogLock::Take(log, &e);
-            const char c = lock ? 'j' : 'n';
+            const int fd = ::open(lockFile.constData(), O_RDWR | O_CREAT, 0644);
+            struct flock fl {};
+            fl.l_type = F_WRLCK;
+            fl.l_whence = SEEK_SET;
+            const char c = fd >= 0 && ::fcntl(fd, F_OFD_SETLK, &fl) == 0 ? 'j' : 'n';
             [[maybe_unused]] const ssize_t n = ::write(ready[1], &c, 1);
             for (;;)
                 ::pause();
