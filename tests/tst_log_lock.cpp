@@ -41,6 +41,7 @@ public:
         p.setProcessEnvironment(env);
         p.setStandardErrorFile(QProcess::nullDevice());
         p.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino"), {});
+        p.waitForStarted(30000);
     }
     ~Program() {
         if (p.state() != QProcess::NotRunning) {
@@ -53,10 +54,10 @@ public:
     QByteArray Line() {
         QElapsedTimer t;
         t.start();
-        while (!p.canReadLine() && p.state() == QProcess::Running && t.elapsed() < 60000)
+        while (!p.canReadLine() && p.state() != QProcess::NotRunning && t.elapsed() < 60000)
             p.waitForReadyRead(1000);
         if (!p.canReadLine()) {
-            if (p.state() != QProcess::Running) p.waitForFinished(1000);
+            if (p.state() == QProcess::NotRunning) p.waitForFinished(1000);
             return {};
         }
         return p.readLine().trimmed();
@@ -141,15 +142,16 @@ private slots:
     void aLockedLogIsNeverWrittenByAModelWithoutTheLock() {
         WindowFixture f;
         f.WriteLog(QStringLiteral("test.KOLBO"), TwoContacts());
-        const QByteArray before = f.FileBytes();
+        const QString log = f.home.model.LogFolder + QStringLiteral("test.KOLBO");
+        const QByteArray before = ReadBytes(log);
         QString error;
-        const auto holder = LogLock::Take(f.LogPath(), &error);
+        const auto holder = LogLock::Take(log, &error);
         QVERIFY(holder);
         Model other = f.home.model;
         other.CurrentLogName = QStringLiteral("test.KOLBO");
         other.LogText = QStringLiteral("nichts");
         QVERIFY(WriteLogFile(other).contains(QStringLiteral("gesperrt")));
-        QCOMPARE(f.FileBytes(), before);
+        QCOMPARE(ReadBytes(log), before);
     }
 
     void aKilledHolderLeavesNoStaleLock() {
@@ -207,15 +209,16 @@ private slots:
     void aWindowDoesNotOpenALogThatAnotherProgramHolds() {
         WindowFixture f;
         f.WriteLog(QStringLiteral("test.KOLBO"), TwoContacts());
+        const QString log = f.home.model.LogFolder + QStringLiteral("test.KOLBO");
         QString error;
-        const auto holder = LogLock::Take(f.LogPath(), &error);
+        const auto holder = LogLock::Take(log, &error);
         QVERIFY(holder);
-        const QByteArray before = f.FileBytes();
+        const QByteArray before = ReadBytes(log);
         QVERIFY(!f.Start());
         QVERIFY(f.dialogs.LastBox());
         QVERIFY(f.dialogs.LastBox()->text.contains(QStringLiteral("ist gesperrt")));
         QCOMPARE(f.dialogs.LastBox()->flags, 48);
-        QCOMPARE(f.FileBytes(), before);
+        QCOMPARE(ReadBytes(log), before);
     }
 
     void switchingLogsTakesTheNewLockAndDropsTheOld() {
@@ -264,9 +267,10 @@ private slots:
         f.WriteLog(QStringLiteral("test.KOLBO"), TwoContacts());
         f.WriteLog(QStringLiteral("zweit.KOLBO"), {});
         PrepareForProgram(f, QStringLiteral("test.KOLBO"));
+        const QString log = f.home.model.LogFolder + QStringLiteral("test.KOLBO");
         const QString home = f.home.dir.path();
         Program first(home);
-        QVERIFY(first.Ready());
+        QVERIFY2(first.Ready(), qPrintable(first.boxes.join(QLatin1Char('\n'))));
         QCOMPARE(first.Send("Q OE6CCC 0 0 GZ"), QByteArray("A OE6CCC"));
 
         Program second(home); // the double click on the icon
@@ -284,15 +288,15 @@ private slots:
         QCOMPARE(third.Send("Q OE5DDD 0 0 WI"), QByteArray("A OE5DDD"));
 
         QCOMPARE(first.Send("Q OE8EEE 1 0 MD"), QByteArray("A OE8EEE"));
-        QCOMPARE(CallsInFile(f.LogPath()), (QStringList{QStringLiteral("OE1AAA"), QStringLiteral("OE3BBB"),
+        QCOMPARE(CallsInFile(log), (QStringList{QStringLiteral("OE1AAA"), QStringLiteral("OE3BBB"),
                                                        QStringLiteral("OE6CCC"), QStringLiteral("OE8EEE")}));
         QCOMPARE(CallsInFile(f.home.model.LogFolder + QStringLiteral("zweit.KOLBO")),
                  QStringList{QStringLiteral("OE5DDD")});
         // The first program killed: its lock is gone with it, the command line may write.
         first.Kill();
-        const CliResult del = RunCli(home, {QStringLiteral("delete"), f.LogPath(), QStringLiteral("1")});
+        const CliResult del = RunCli(home, {QStringLiteral("delete"), log, QStringLiteral("1")});
         QCOMPARE(del.code, 0);
-        QCOMPARE(CallsInFile(f.LogPath()).size(), 3);
+        QCOMPARE(CallsInFile(log).size(), 3);
     }
 
     // The fixed name ".<name>.tmp" of old: a folder of that name stopped every write.

@@ -31,6 +31,7 @@
 #include <QMenu>
 #include <QProcess>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QRandomGenerator>
 #include <csignal>
 
@@ -107,9 +108,11 @@ public:
                 Contact();
             else if (pick < 70)
                 Edit();
-            else if (pick < 82)
+            else if (pick < 80)
                 Delete();
-            else if (pick < 92)
+            else if (pick < 86)
+                Bulk();
+            else if (pick < 94)
                 Switch();
             else
                 KillRound();
@@ -177,7 +180,7 @@ private:
         const int band = int(rng_.bounded(2u));
         const int mode = int(rng_.bounded(2u));
         const QString bezirk = RandomBezirk();
-        f_.dialogs.Clear();
+        f_.dialogs = ScriptedDialogs();
         const size_t before = f_.home.model.LogRecords.size();
         f_.Type(call, band, bezirk, mode);
         if (f_.home.model.LogRecords.size() != before + 1) {
@@ -217,7 +220,7 @@ private:
         static const char* const fields[] = {"Text8", "Text3", "Text4", "Text5", "Combo6", "Combo5"};
         const char* field = fields[rng_.bounded(6u)];
         const QString text = RandomText();
-        f_.dialogs.Clear();
+        f_.dialogs = ScriptedDialogs();
         bool opened = false;
         setup::PushModalDriver([&](QDialog& d) {
             opened = true;
@@ -248,17 +251,49 @@ private:
         const size_t at = rng_.bounded(quint32(ref.size()));
         const int row = RowOfCall(ref[at].call);
         if (row < 0) return Finding(QStringLiteral("%1 is not in the grid").arg(ref[at].call));
-        f_.dialogs.Clear();
+        f_.dialogs = ScriptedDialogs();
         f_.dialogs.AnswerMsgBox(Msg::Yes); // "Soll dieser Eintrag wirklich gelöscht werden?"
         Popup(row, "MnVerstecktLoeschen");
         ref.erase(ref.begin() + qsizetype(at));
+    }
+
+    // "Log nachträglich ändern" over the whole log: the band, or the operator call with
+    // random text; every question answered as the operator who means it.
+    void Bulk() {
+        f_.dialogs = ScriptedDialogs();
+        f_.dialogs.AnswerMsgBox(Msg::Yes); // "Möchtest du die Änderungen wirklich übernehmen?"
+        f_.dialogs.AnswerMsgBox(Msg::Ok);  // "Änderungen erfolgreich abgeschlossen" ...
+        f_.dialogs.AnswerMsgBox(Msg::Yes); // "Möchtest du die Änderungen wirklich speichern?"
+        const bool band = rng_.bounded(2u) == 0;
+        const QString value = band ? (rng_.bounded(2u) == 0 ? QStringLiteral("40m") : QStringLiteral("80m"))
+                                   : RandomText();
+        bool driven = false;
+        setup::PushModalDriver([&](QDialog& d) {
+            driven = true;
+            auto* option = d.findChild<QRadioButton*>(band ? QStringLiteral("Option1_4") : QStringLiteral("Option1_3"));
+            auto* combo = d.findChild<QComboBox*>(QStringLiteral("Combo1"));
+            auto* apply = d.findChild<QPushButton*>(QStringLiteral("Command2"));
+            auto* save = d.findChild<QPushButton*>(QStringLiteral("Command6"));
+            if (!option || !combo || !apply || !save) return;
+            QTest::mouseClick(option, Qt::LeftButton, {}, QPoint(8, option->height() / 2));
+            combo->clearEditText();
+            combo->lineEdit()->setFocus();
+            TypeInto(combo->lineEdit(), value);
+            QTest::mouseClick(apply, Qt::LeftButton);
+            QTest::mouseClick(save, Qt::LeftButton);
+        });
+        f_.Menu("MnLogExportierenDatumZeit")->trigger();
+        setup::ClearModalDrivers();
+        if (!driven) return Finding(QStringLiteral("the bulk change window did not open"));
+        lastEdit_ = QStringLiteral("bulk %1 = \"%2\"").arg(band ? QStringLiteral("band") : QStringLiteral("opcall"), value);
+        if (band && !RefOf().empty()) bulkBand_ = value == QLatin1String("40m") ? 40 : 80;
     }
 
     void Switch() {
         const QString previous = current_;
         const QString next = current_ == kLogs[0] ? kLogs[1] : kLogs[0];
         f_.home.model.CurrentLogName = next;
-        f_.dialogs.Clear();
+        f_.dialogs = ScriptedDialogs();
         const auto r = setup::FinishOpenLog(f_.home.model, f_.dialogs, setup::HooksOf(*f_.window, f_.home.model),
                                             previous);
         if (r != setup::SwitchResult::Switched) {
@@ -282,6 +317,7 @@ private:
         child.setProcessEnvironment(env);
         child.setStandardErrorFile(QProcess::nullDevice());
         child.start(QStringLiteral(KOLIBRINO_BINARY_DIR "/kolibrino"), {});
+        child.waitForStarted(30000);
         const int contacts = int(rng_.bounded(4u));
         QString inFlight;
         Ref inFlightRef;
@@ -393,6 +429,16 @@ private:
         for (const QsoRecord& r : m.LogRecords)
             if (r.Status != Status::Deleted)
                 file.push_back({r.Call, r.Band, r.Mode, r.Bezirk.trimmed(), r.Notiz});
+        if (bulkBand_) {
+            // A band changed over the whole log, if it was saved: every contact or none.
+            bool all = true;
+            for (const Ref& r : file)
+                all = all && r.band == bulkBand_;
+            if (all)
+                for (Ref& r : ref)
+                    r.band = bulkBand_;
+            bulkBand_ = 0;
+        }
         if (editPending_) {
             // A correction changes its own contact only; the reference takes what it became.
             editPending_ = false;
@@ -440,13 +486,10 @@ public:
     int kills_ = 0;
 
 private:
-    struct Fixture : ScoringFixture {
-        using ScoringFixture::ScoringFixture;
-    };
     quint32 seed_;
     QRandomGenerator rng_;
     QStringList* findings_;
-    Fixture f_;
+    ScoringFixture f_;
     Statistik* statistik_ = nullptr;
     QString current_;
     std::map<QString, std::vector<Ref>> refs_;
@@ -455,6 +498,7 @@ private:
     QString lastEdit_;
     QString editedCall_;
     bool editPending_ = false;
+    int bulkBand_ = 0;
 };
 
 } // namespace
