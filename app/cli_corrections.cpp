@@ -44,7 +44,9 @@ private:
 };
 
 void Err(const QString& text) {
-    std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
+    QString lines = text;
+    lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    std::fprintf(stderr, "%s\n", lines.toLocal8Bit().constData());
 }
 
 int Row(const QString& text, const LogGridModel& grid) {

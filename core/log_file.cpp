@@ -189,6 +189,7 @@ void ResetLog(Model& m) {
     m.Header = DefaultHeader(m);
     m.CallIndex = QString(kPilcrow);
     m.LogRecords.clear();
+    ApplyHeaderRules(m);
 }
 
 } // namespace
@@ -196,6 +197,11 @@ void ResetLog(Model& m) {
 QString LoadFailureText(const QString& path) {
     return QStringLiteral("Die Datei\r\n%1\r\nist fehlerhaft oder keine gültige Kolibrino Logdatei!")
         .arg(QDir::toNativeSeparators(path));
+}
+
+void ApplyHeaderRules(Model& m) {
+    m.IsStaatsfunkstelle = m.Header.MYWERTUNGSST == 4;
+    m.MittagsGrenze = QTime(12, 0);
 }
 
 bool ParseLog(Model& m, const QByteArray& bytes, QString* error) {
@@ -226,6 +232,7 @@ bool ParseLog(Model& m, const QByteArray& bytes, QString* error) {
         ParseContacts(m, block);
     }
     m.LogText = text;
+    ApplyHeaderRules(m);
     return true;
 }
 
@@ -365,9 +372,15 @@ void RaiseGruppeBandCount(Model& m, int gruppe, int band) {
 }
 
 int BezirkNumber(const Model& m, const QString& code) {
-    const qsizetype idx = m.BezirkIndex.indexOf(code);
-    if (idx < 0) return 0;
-    return int(std::nearbyint(double(idx + 1) / 3.0));
+    if (code.size() != 2) return 0;
+    // Element i stands at 0-based position 3i - 1; a hit anywhere else spans two entries.
+    for (qsizetype idx = m.BezirkIndex.indexOf(code); idx >= 0; idx = m.BezirkIndex.indexOf(code, idx + 1))
+        if ((idx + 1) % 3 == 0) return int((idx + 1) / 3);
+    return 0;
+}
+
+bool IsBezirkCode(const Model& m, const QString& code) {
+    return BezirkNumber(m, code) >= 1;
 }
 
 int LoadBezirkTable(Model& m, Dialogs& dialogs) {

@@ -20,12 +20,17 @@ class TimeSource;
 // The message a damaged or foreign log file gives.
 QString LoadFailureText(const QString& path);
 
-// Parses the file at path into m.Header, m.LogRecords, m.CallIndex and m.LogText.
-// Returns 1 on success, 0 after a failure (stop box shown, model emptied). Counters,
-// district tallies and state stations are left alone: RebuildTallies() makes them.
+// Parses the file at path into m.Header, m.LogRecords, m.CallIndex and m.LogText, and
+// sets what follows from the header (ApplyHeaderRules). Returns 1 on success, 0 after a
+// failure (stop box shown, model emptied). Counters, district tallies and state
+// stations are left alone: RebuildTallies() makes them.
 [[nodiscard]] int LoadLog(Model& m, Dialogs& dialogs, const QString& path);
 // The same parse on bytes already read; no box, the failure text in *error.
 [[nodiscard]] bool ParseLog(Model& m, const QByteArray& bytes, QString* error = nullptr);
+// The values that follow from the header, so that every window and every command of
+// kolibrino-cli judges a log alike: IsStaatsfunkstelle (scoring class 4) and the
+// border between the periods, MittagsGrenze.
+void ApplyHeaderRules(Model& m);
 
 // "CREATED-BY Kolibrino v1.0.0, ©<year> by ZZ9QQQ" and its line end.
 QString IdentificationLine(int year);
@@ -65,7 +70,11 @@ int LoadBezirkTable(Model& m, Dialogs& dialogs, const QString& path);
 // The same read on the file's bytes (a line that cannot be read still shows its box).
 int ParseBezirkTable(Model& m, Dialogs& dialogs, const QByteArray& bytes);
 // Element number of a district code, 0 when unknown (position / 3 in BezirkIndex).
+// Only a whole code of the table counts: "I;" or ";W", which stand in the index across
+// two entries, are unknown.
 int BezirkNumber(const Model& m, const QString& code);
+// True for a two-character code that is one whole entry of the district table.
+bool IsBezirkCode(const Model& m, const QString& code);
 
 // "930" -> "09:30", "1415" -> "14:15"; a text with a separator stays.
 QString NormalizeTime(const QString& text, QChar timeSeparator);

@@ -3,6 +3,7 @@
 #include "core/log_file.h"
 #include "entry/main_window.h"
 #include "setup/modal.h"
+#include "ui/field_gate.h"
 #include "ui/window_support.h"
 
 #include <QCheckBox>
@@ -112,6 +113,15 @@ void Bearbeiten::Build() {
     connect(command4_, &QPushButton::clicked, this, &Bearbeiten::Command4Click);
     connect(command1_, &QPushButton::clicked, this, &QDialog::reject);
 
+    // The text gate at the keys: each field takes only what the file can hold of it, as
+    // long as the file stores it.
+    InstallFieldGate(text3_, TextField::Call);
+    InstallFieldGate(text4_, TextField::RstGesendet);
+    InstallFieldGate(text5_, TextField::RstEmpfangen);
+    InstallFieldGate(combo5_, TextField::Bezirk);
+    InstallFieldGate(text8_, TextField::Bemerkung);
+    InstallFieldGate(combo6_, TextField::Operator);
+
     for (QWidget* wdg : {static_cast<QWidget*>(text1_), static_cast<QWidget*>(text3_),
                          static_cast<QWidget*>(text4_), static_cast<QWidget*>(combo5_)})
         wdg->installEventFilter(this);
@@ -194,6 +204,12 @@ void Bearbeiten::FocusOn(EditFocus f) {
         break;
     case EditFocus::Combo5:
         w = combo5_;
+        break;
+    case EditFocus::Text8:
+        w = text8_;
+        break;
+    case EditFocus::Combo6:
+        w = combo6_;
         break;
     case EditFocus::None:
         return;

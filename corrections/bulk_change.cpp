@@ -3,6 +3,7 @@
 #include "core/atomic_file.h"
 #include "core/error_trap.h"
 #include "core/log_file.h"
+#include "core/storable_text.h"
 #include "core/tallies.h"
 #include "core/vb_text.h"
 
@@ -92,11 +93,15 @@ std::optional<BulkFailure> ApplyBulkChange(const Model& m, std::vector<QsoRecord
             copy[size_t(i)].Datum = datum;
         return std::nullopt;
     }
-    case BulkKind::OpCall:
+    case BulkKind::OpCall: {
         if (v.size() < 4) return BulkFailure{QStringLiteral("Rufzeichen zu kurz!")};
+        // The text gate: a call the file cannot hold as it stands is refused, never cut.
+        const GatedText op = GateText(TextField::Operator, v);
+        if (!op.Ok()) return BulkFailure{op.problem};
         for (int i = first; i <= last; ++i)
-            copy[size_t(i)].Operator = v;
+            copy[size_t(i)].Operator = op.text;
         return std::nullopt;
+    }
     case BulkKind::Band: {
         if (v != QLatin1String("80M") && v != QLatin1String("40M") && v != QLatin1String("30M"))
             return BulkFailure{QStringLiteral("Band ungültig!\n\nEs ist nur 40m, 80m oder 30m möglich!")};

@@ -3,6 +3,7 @@
 #include "core/call_index.h"
 #include "core/error_trap.h"
 #include "core/log_file.h"
+#include "core/storable_text.h"
 #include "core/tallies.h"
 #include "core/vb_text.h"
 #include "corrections/correction_counters.h"
@@ -28,7 +29,37 @@ int RecordOfRow(const LogGridModel& grid, int row) {
     return ToInt16(LeadingNumber(grid.Text(row, kGridColLaufNr)));
 }
 
+// The text gate on the window's text fields: the first refusal, or nullopt.
+std::optional<EditFailure> GateEdit(const EditFields& f) {
+    const std::pair<TextField, std::pair<const QString*, EditFocus>> fields[] = {
+        {TextField::Call, {&f.call, EditFocus::Text3}},
+        {TextField::RstGesendet, {&f.rstGesendet, EditFocus::Text4}},
+        {TextField::RstEmpfangen, {&f.rstEmpfangen, EditFocus::Text5}},
+        {TextField::Mode, {&f.mode, EditFocus::Combo2}},
+        {TextField::Bezirk, {&f.bezirk, EditFocus::Combo5}},
+        {TextField::Bemerkung, {&f.notiz, EditFocus::Text8}},
+        {TextField::Operator, {&f.opCall, EditFocus::Combo6}},
+    };
+    for (const auto& [field, what] : fields) {
+        if (const QString problem = FieldTextProblem(field, *what.first); !problem.isEmpty())
+            return Fail(0, problem, Msg::Exclamation, what.second);
+    }
+    return std::nullopt;
+}
+
 } // namespace
+
+EditFields GatedEditFields(const EditFields& typed) {
+    EditFields f = typed;
+    f.call = FieldText(TextField::Call, typed.call);
+    f.rstGesendet = FieldText(TextField::RstGesendet, typed.rstGesendet);
+    f.rstEmpfangen = FieldText(TextField::RstEmpfangen, typed.rstEmpfangen);
+    f.mode = FieldText(TextField::Mode, typed.mode);
+    f.bezirk = FieldText(TextField::Bezirk, typed.bezirk);
+    f.notiz = FieldText(TextField::Bemerkung, typed.notiz);
+    f.opCall = FieldText(TextField::Operator, typed.opCall);
+    return f;
+}
 
 std::optional<QString> EditRefusal(const LogGridModel& grid, int row) {
     if (grid.Text(row, kGridColDupe) == QLatin1String("Dupe")) return kMsgDupeNichtBearbeiten;
@@ -95,6 +126,8 @@ bool EditCallExistTest(const Model& m, const QString& call, const EditFields& f,
 }
 
 std::optional<EditFailure> CheckEdit(const Model& m, const LogGridModel& grid, int row, EditFields& f) {
+    if (auto refused = GateEdit(f)) return refused;
+    f = GatedEditFields(f);
     const QString call = TrimBlanks(f.call);
     // The seven checks whose text has nowhere to go: the operator gets the error box.
     if (call.size() < 3) return Fail(1, kMsgRufzeichen, 0, EditFocus::Text3, true);
@@ -104,7 +137,7 @@ std::optional<EditFailure> CheckEdit(const Model& m, const LogGridModel& grid, i
     if (TrimBlanks(f.rstEmpfangen).size() < 2) return Fail(1, kMsgRste, 0, EditFocus::Text5, true);
     const QString bezirk = TrimBlanks(f.bezirk);
     if (bezirk.size() != 2) return Fail(1, kMsgBezirk, 0, EditFocus::Combo5, true);
-    if (!m.BezirkIndex.contains(bezirk)) return Fail(1, kMsgBezirk, 0, EditFocus::Combo5, true);
+    if (!IsBezirkCode(m, bezirk)) return Fail(1, kMsgBezirk, 0, EditFocus::Combo5, true);
 
     if (!FieldTime(m, f.zeit)) return Fail(2, kMsgZeit, Msg::OkOnly, EditFocus::Text2);
     if (!m.Formats.ParseDate(TrimBlanks(f.datum))) return Fail(2, kMsgDatum, Msg::OkOnly, EditFocus::Text1);
@@ -112,7 +145,7 @@ std::optional<EditFailure> CheckEdit(const Model& m, const LogGridModel& grid, i
         return Fail(3, kMsgFrequenzZahlen, Msg::Information, EditFocus::Text9);
     f.khz = NormalizeKhz(f.khz);
 
-    const QString upper = call.toUpper();
+    const QString upper = call; // in capitals already: the gate made it so
     if (EditCallExistTest(m, upper, f, RecordOfRow(grid, row)))
         return Fail(5, kMsgBereitsGeloggt, Msg::Information, EditFocus::Text3);
     if (m.IsStaatsfunkstelle && f.bandIndex == 0)
@@ -125,8 +158,11 @@ std::optional<EditFailure> CheckEdit(const Model& m, const LogGridModel& grid, i
     return std::nullopt;
 }
 
-EditResult ApplyEdit(Model& m, Dialogs& dialogs, LogGridModel& grid, int row, const EditFields& f, int year) {
+EditResult ApplyEdit(Model& m, Dialogs& dialogs, LogGridModel& grid, int row, const EditFields& typed,
+                     int year) {
     EditResult res;
+    // The texts as the file will hold them: the grid row shows the same.
+    const EditFields f = GatedEditFields(typed);
     if (row < 0 || row >= grid.DataRows()) return res;
     const QString oldCall = grid.Text(row, kGridColCall);
     const int oldBand = BandOfText(grid.Text(row, kGridColBand));
@@ -136,7 +172,7 @@ EditResult ApplyEdit(Model& m, Dialogs& dialogs, LogGridModel& grid, int row, co
     const QString laufNr = grid.Text(row, kGridColLaufNr);
     const int recordIndex = RecordOfRow(grid, row);
 
-    const QString newCall = TrimBlanks(f.call).toUpper().left(13);
+    const QString newCall = f.call.left(13);
     const int newBand = BandOfText(f.band);
     const QString newMode = TrimBlanks(f.mode).left(5);
     const QTime newZeit = FieldTime(m, f.zeit).value_or(QTime());
@@ -180,8 +216,8 @@ EditResult ApplyEdit(Model& m, Dialogs& dialogs, LogGridModel& grid, int row, co
         const auto date = m.Formats.ParseDate(TrimBlanks(f.datum));
         r.Datum = date ? m.Formats.RecordDate(*date) : TrimBlanks(f.datum);
         r.Zeit = m.Formats.RecordTime(newZeit);
-        r.RstGesendet = f.rstGesendet.toUpper().left(4);
-        r.RstEmpfangen = f.rstEmpfangen.toUpper().left(4);
+        r.RstGesendet = f.rstGesendet.left(4);
+        r.RstEmpfangen = f.rstEmpfangen.left(4);
         r.Qsl = f.qsl;
         r.Mode = f.mode.left(5);
         r.ModeRx = r.Mode;

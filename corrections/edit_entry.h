@@ -49,10 +49,10 @@ struct EditFields {
     QString khz;          // Text9, normalised by CheckEdit
 };
 
-enum class EditFocus { None, Text1, Text2, Text3, Text4, Text5, Text9, Combo1, Combo2, Combo5 };
+enum class EditFocus { None, Text1, Text2, Text3, Text4, Text5, Text8, Text9, Combo1, Combo2, Combo5, Combo6 };
 
 struct EditFailure {
-    int check = 0;           // 1 to 7, the order of the checks
+    int check = 0;           // 1 to 7, the order of the checks; 0 the text gate (flags 48)
     QString message;         // the check's own text
     int boxFlags = 0;        // the flags of its box
     bool textHidden = false; // one of the seven whose text the operator never sees
@@ -71,7 +71,11 @@ QString NormalizeKhz(const QString& text);
 // the fields, in the period of the fields' time, other than the record under edit.
 bool EditCallExistTest(const Model& m, const QString& call, const EditFields& f, int editedRecord);
 
-// All checks in their order, on the row under edit. f.khz is normalised on the way.
+// The text fields as the record stores them (and the grid shows them).
+EditFields GatedEditFields(const EditFields& f);
+
+// The text gate first, then all checks in their order, on the row under edit. f.khz
+// is normalised on the way, and the text fields take the form the file will hold.
 // Shows no box: the caller shows failure->message with failure->boxFlags, or, when
 // textHidden, the error box.
 std::optional<EditFailure> CheckEdit(const Model& m, const LogGridModel& grid, int row, EditFields& f);

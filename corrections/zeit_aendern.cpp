@@ -4,6 +4,7 @@
 #include "corrections/bulk_change.h"
 #include "entry/main_window.h"
 #include "setup/modal.h"
+#include "ui/field_gate.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -154,6 +155,11 @@ int ZeitAendern::Kind() const {
 
 void ZeitAendern::Option1Click(int index) {
     option1_[size_t(index)]->setChecked(true);
+    // An operator call passes the text gate at the keys, as long as the file stores it.
+    if (index == BulkKind::OpCall)
+        InstallFieldGate(combo1_, TextField::Operator);
+    else
+        RemoveFieldGate(combo1_);
     combo1_->clear();
     combo1_->addItems(BulkValues(index, LoadOperators(m_.IniPath)));
     combo1_->setCurrentIndex(index == BulkKind::Datum || index == BulkKind::OpCall ? -1 : 0);

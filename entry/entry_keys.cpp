@@ -294,7 +294,8 @@ QStringList OperatorsToStore(const QStringList& items) {
 QStringList LoadOperators(const QString& iniFile) {
     QStringList list;
     IniReadSection(iniFile, kOpCallsSection, list);
-    return list;
+    // The section may have been edited by hand: only what the gate lets through.
+    return GatedOperatorList(list);
 }
 
 void StoreOperators(const QStringList& items, const QString& iniFile) {

@@ -204,6 +204,8 @@ QStringList OperatorEnter(const QStringList& items, const QString& text);
 QStringList OperatorPick(const QStringList& items, int index);
 // The entries section OPCALLs keeps: at most the first ten.
 QStringList OperatorsToStore(const QStringList& items);
+// The operator list of the settings, each row through the text gate (a row the gate
+// refuses is left out).
 QStringList LoadOperators(const QString& iniFile = {});
 // Deletes section OPCALLs and writes at most the first ten entries.
 void StoreOperators(const QStringList& items, const QString& iniFile = {});

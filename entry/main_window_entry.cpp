@@ -237,6 +237,13 @@ void HauptForm::FocusField(EntryFocus field) {
     case EntryFocus::Combo5:
         w = combo5_;
         break;
+    case EntryFocus::Text8:
+        if (!picture4_->isVisible()) ApplyEntryPanel(EntryPanel(true)); // the note lies in the extended panel
+        w = text8_;
+        break;
+    case EntryFocus::Combo6:
+        w = combo6_;
+        break;
     case EntryFocus::None:
         return;
     }

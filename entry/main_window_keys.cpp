@@ -7,6 +7,7 @@
 #include "entry/main_window.h"
 #include "ui/back_colour.h"
 #include "ui/combo_max_length.h"
+#include "ui/field_gate.h"
 #include "ui/keyboard_focus.h"
 
 #include <QAction>
@@ -84,6 +85,14 @@ void HauptForm::ConnectEntryEvents() {
         if (c->isEditable())
             connect(c, &QComboBox::editTextChanged, this, [c, limit] { SetComboMaxLength(c, limit, true); });
     }
+    // The text gate: a paste cannot bring what a key may not, and each field is as long
+    // as what the file stores of it.
+    InstallFieldGate(text3_, TextField::Call);
+    InstallFieldGate(text4_, TextField::RstGesendet);
+    InstallFieldGate(text5_, TextField::RstEmpfangen);
+    InstallFieldGate(text8_, TextField::Bemerkung);
+    InstallFieldGate(combo5_, TextField::Bezirk);
+    InstallFieldGate(combo6_, TextField::Operator);
     for (EntryField f : {EntryField::Text1, EntryField::Text2, EntryField::Text3, EntryField::Text4,
                          EntryField::Text5, EntryField::Combo1, EntryField::Combo2, EntryField::Combo5})
         PaintField(f, false);

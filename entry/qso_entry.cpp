@@ -22,7 +22,41 @@ int BandNumber(const QString& bandText) {
 
 } // namespace
 
-std::optional<CheckFailure> CheckEntry(Model& m, Dialogs& dialogs, const EntryFields& f) {
+std::optional<CheckFailure> GateEntry(const EntryFields& f) {
+    const std::pair<TextField, std::pair<const QString*, EntryFocus>> fields[] = {
+        {TextField::Call, {&f.call, EntryFocus::Text3}},
+        {TextField::RstGesendet, {&f.rstGesendet, EntryFocus::Text4}},
+        {TextField::RstEmpfangen, {&f.rstEmpfangen, EntryFocus::Text5}},
+        {TextField::Mode, {&f.mode, EntryFocus::Combo2}},
+        {TextField::Bezirk, {&f.bezirk, EntryFocus::Combo5}},
+        {TextField::Bemerkung, {&f.notiz, EntryFocus::Text8}},
+        {TextField::Operator, {&f.opCall, EntryFocus::Combo6}},
+    };
+    for (const auto& [field, what] : fields) {
+        if (const QString problem = FieldTextProblem(field, *what.first); !problem.isEmpty())
+            return Fail(0, problem, what.second, Msg::Exclamation);
+    }
+    return std::nullopt;
+}
+
+EntryFields GatedEntryFields(const EntryFields& typed) {
+    EntryFields f = typed;
+    f.call = FieldText(TextField::Call, typed.call);
+    f.rstGesendet = FieldText(TextField::RstGesendet, typed.rstGesendet);
+    f.rstEmpfangen = FieldText(TextField::RstEmpfangen, typed.rstEmpfangen);
+    f.mode = FieldText(TextField::Mode, typed.mode);
+    f.bezirk = FieldText(TextField::Bezirk, typed.bezirk);
+    f.notiz = FieldText(TextField::Bemerkung, typed.notiz);
+    f.opCall = FieldText(TextField::Operator, typed.opCall);
+    return f;
+}
+
+std::optional<CheckFailure> CheckEntry(Model& m, Dialogs& dialogs, const EntryFields& typed) {
+    if (auto refused = GateEntry(typed)) {
+        dialogs.MsgBox(refused->message, refused->boxFlags);
+        return refused;
+    }
+    const EntryFields f = GatedEntryFields(typed);
     const QString call = TrimBlanks(f.call);
     if (call.size() < 3) return Fail(1, kMsgRufzeichen, EntryFocus::Text3);
     if (call.left(4) == QLatin1String("OEOE")) return Fail(2, kMsgRufzeichen, EntryFocus::Text3);
@@ -32,7 +66,7 @@ std::optional<CheckFailure> CheckEntry(Model& m, Dialogs& dialogs, const EntryFi
     if (TrimBlanks(f.rstEmpfangen).size() < 2) return Fail(6, kMsgRste, EntryFocus::Text5);
     const QString bezirk = TrimBlanks(f.bezirk);
     if (bezirk.size() != 2) return Fail(7, kMsgBezirk, EntryFocus::Combo5);
-    if (!m.BezirkIndex.contains(bezirk)) return Fail(8, kMsgBezirk, EntryFocus::Combo5);
+    if (!IsBezirkCode(m, bezirk)) return Fail(8, kMsgBezirk, EntryFocus::Combo5);
 
     // Check 9: the class of the worked station by the third character of the call.
     if (!IsStaatsfunkCall(call)) {
@@ -56,21 +90,21 @@ std::optional<CheckFailure> CheckEntry(Model& m, Dialogs& dialogs, const EntryFi
 
 QsoRecord RecordOfEntry(const Model& m, const EntryFields& f, bool isDupe, float frequency, float laufNr) {
     QsoRecord r;
-    r.Call = TrimBlanks(f.call).toUpper().left(13);
+    r.Call = FieldText(TextField::Call, f.call).left(13);
     r.Band = BandNumber(f.band);
     r.Bezirk = Fixed2(f.bezirk);
     const auto date = m.Formats.ParseDate(TrimBlanks(f.datum));
     r.Datum = date ? m.Formats.RecordDate(*date) : TrimBlanks(f.datum);
     const auto time = m.Formats.ParseTime(TrimBlanks(f.zeit));
     r.Zeit = time ? m.Formats.RecordTime(*time) : TrimBlanks(f.zeit);
-    r.RstGesendet = f.rstGesendet.toUpper().left(4);
-    r.RstEmpfangen = f.rstEmpfangen.toUpper().left(4);
+    r.RstGesendet = FieldText(TextField::RstGesendet, f.rstGesendet).left(4);
+    r.RstEmpfangen = FieldText(TextField::RstEmpfangen, f.rstEmpfangen).left(4);
     r.Qsl = f.qsl;
     r.Mode = TrimBlanks(f.mode).left(5);
     r.ModeRx = r.Mode;
     r.Status = isDupe ? Status::Dupe : Status::Normal;
-    r.Operator = StorableContactText(TrimBlanks(f.opCall)).left(13);
-    r.Bemerkung = StorableContactText(f.notiz);
+    r.Operator = FieldText(TextField::Operator, f.opCall).left(13);
+    r.Bemerkung = FieldText(TextField::Bemerkung, f.notiz);
     r.BandRx = QStringLiteral("0");
     r.Frequenz = frequency;
     r.FrequenzRx = 0;
@@ -81,12 +115,13 @@ QsoRecord RecordOfEntry(const Model& m, const EntryFields& f, bool isDupe, float
 EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const EntryFields& typed,
                       const CompanionCalls& companions, LogFileBytes* fileBytes) {
     EntryResult res;
-    // The fields as the chain sees them: the dupe rule may fill in the district.
-    EntryFields f = typed;
-    if (const auto failure = CheckEntry(m, dialogs, f)) {
+    if (const auto failure = CheckEntry(m, dialogs, typed)) {
         res.failure = *failure;
         return res;
     }
+    // The fields as the chain sees them: the texts as the file will hold them (the grid
+    // shows what the file holds); the dupe rule may fill in the district.
+    EntryFields f = GatedEntryFields(typed);
     const QString call = TrimBlanks(f.call);
     const QString mode = TrimBlanks(f.mode);
     const int band = BandNumber(f.band);
@@ -168,8 +203,8 @@ EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const Entr
     c[6] = TrimBlanks(f.rstEmpfangen);
     c[7] = f.bezirk;
     c[8] = QString::number(f.qsl);
-    c[9] = StorableContactText(f.notiz); // the grid shows what the file holds
-    c[10] = StorableContactText(TrimBlanks(f.opCall));
+    c[9] = f.notiz; // the gated texts: the grid shows what the file holds
+    c[10] = f.opCall;
     c[12] = mode;
     c[13] = QStringLiteral("0");
     c[14] = FloatText(frequency);

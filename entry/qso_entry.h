@@ -41,10 +41,10 @@ struct EntryFields {
 };
 
 // The field a failed check puts the focus on.
-enum class EntryFocus { None, Text1, Text2, Text3, Text4, Text5, Combo1, Combo2, Combo5 };
+enum class EntryFocus { None, Text1, Text2, Text3, Text4, Text5, Combo1, Combo2, Combo5, Text8, Combo6 };
 
 struct CheckFailure {
-    int check = 0;     // 1 to 11
+    int check = 0;     // 1 to 11; 0 for the text gate (a box, flags 48)
     QString message;   // for the message line, or the text of the box
     int boxFlags = -1; // -1: the message goes to the message line; else it was shown in a box
     EntryFocus focus = EntryFocus::None;
@@ -66,8 +66,15 @@ inline const QString kMsgDatum = QStringLiteral("Datum Ungültige");
 inline const QString kMsgDupeFrage = QStringLiteral("Soll das QSO als DUPE geloggt werden?");
 inline constexpr int kDupeFrageFlags = Msg::YesNo | Msg::Question | Msg::DefaultButton2; // 292
 
-// Checks 1 to 11 in their order. Check 9 shows its boxes itself (flags 64) and counts a
-// state station on 80 m or 30 m in StaatsfunkRecords before the later checks run.
+// The text gate on the entry's text fields (call, reports, district, note, operator):
+// the first refusal, its box not yet shown; nullopt when every field may be stored.
+std::optional<CheckFailure> GateEntry(const EntryFields& f);
+// The text fields as the record stores them (and the grid shows them).
+EntryFields GatedEntryFields(const EntryFields& f);
+
+// The text gate first (its box shown here, flags 48), then checks 1 to 11 in their
+// order. Check 9 shows its boxes itself (flags 64) and counts a state station on 80 m
+// or 30 m in StaatsfunkRecords before the later checks run.
 std::optional<CheckFailure> CheckEntry(Model& m, Dialogs& dialogs, const EntryFields& f);
 
 // Calls into companion windows; each is set only while its window is open.

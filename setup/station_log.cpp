@@ -2,6 +2,7 @@
 
 #include "setup/setup_widgets.h"
 #include "ui/combo_max_length.h"
+#include "ui/field_gate.h"
 #include "ui/keyboard_focus.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -175,6 +176,8 @@ QWidget* StationLog::BuildMandatory() {
     connect(combo5_, &QComboBox::editTextChanged, this,
             [this] { SetComboMaxLength(combo5_, kCallMax, true); });
     new KeyFilter(KeyFilter::Kind::Call, combo5_);
+    InstallFieldGate(text1_, TextField::MyCall);
+    InstallFieldGate(combo5_, TextField::MyOpCall);
     command5_ = Button(QStringLiteral("\u2630"), QStringLiteral("Command5"), frame1_);
     command5_->setToolTip(QStringLiteral("Operatorrufzeichenliste bearbeiten"));
     command5_->setFixedWidth(32);
@@ -297,6 +300,13 @@ QWidget* StationLog::BuildOptional() {
     text9_->setMaximumWidth(110);
     text10_ = Edit(QStringLiteral("Text10"), kNameMax, frame2_);
     text6_ = Edit(QStringLiteral("Text6"), kEmailMax, frame2_);
+    // The text gate at the keys: a paste cannot bring what the file cannot hold.
+    InstallFieldGate(text3_, TextField::MyLocator);
+    InstallFieldGate(text4_, TextField::MyOpName);
+    InstallFieldGate(text5_, TextField::MyAdress);
+    InstallFieldGate(text9_, TextField::MyPlz);
+    InstallFieldGate(text10_, TextField::MyCity);
+    InstallFieldGate(text6_, TextField::MyEmail);
     text7_ = Memo(QStringLiteral("Text7"), frame2_);
     text8_ = Memo(QStringLiteral("Text8"), frame2_);
 
@@ -367,6 +377,7 @@ void StationLog::BuildListEditor() {
     picture7_->setAutoFillBackground(true);
     text2_ = Edit(QStringLiteral("Text2"), kCallMax, picture7_);
     new KeyFilter(KeyFilter::Kind::Call, text2_, [this] { ListTakeOver(); });
+    InstallFieldGate(text2_, TextField::Operator);
     auto* command11 = Button(QStringLiteral("Übernehmen"), QStringLiteral("Command11"), picture7_);
     auto* command12 = Button(QStringLiteral("Abbrechen"), QStringLiteral("Command12"), picture7_);
     connect(command11, &QPushButton::clicked, this, &StationLog::ListTakeOver);

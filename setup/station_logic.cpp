@@ -62,7 +62,7 @@ std::optional<QChar> FilterCallKey(QChar c) {
 }
 
 QChar FilterLocatorKey(QChar c) {
-    return c.toUpper();
+    return UpperCp1252(QString(c)).at(0);
 }
 
 QStringList DistrictRows(const Model& m) {
@@ -97,7 +97,8 @@ QStringList DayRows() {
 QStringList ReadOperators(const Model& m) {
     QStringList rows;
     IniReadSection(m.IniPath, QStringLiteral("OPCALLs"), rows);
-    return rows;
+    // The section may have been edited by hand: only what the gate lets through.
+    return GatedOperatorList(rows);
 }
 
 StationForm LoadForm(const Model& m) {
@@ -210,19 +211,22 @@ Focus ChooseFileName(Model& m, Dialogs& dialogs, const TimeSource& clock, Statio
 }
 
 QString StationFormProblem(const StationForm& f) {
-    const std::pair<const char*, QString> fields[] = {
-        {"Rufzeichen", f.text1},
-        {"Operator", f.combo5Text},
-        {"Locator", f.text3},
-        {"Name", f.text4},
-        {"Adresse", f.text5},
-        {"PLZ", f.text9},
-        {"Ort", f.text10},
-        {"eMail", f.text6},
-        {"Station", f.text7Lines.join(QStringLiteral("\r\n"))},
-        {"Kommentar", f.text8Lines.join(QStringLiteral("\r\n"))}};
-    for (const auto& [name, value] : fields)
-        if (const QString p = HeaderValueProblem(QString::fromUtf8(name), value); !p.isEmpty()) return p;
+    const std::pair<TextField, QString> fields[] = {
+        {TextField::MyCall, f.text1},
+        {TextField::MyOpCall, f.combo5Text},
+        {TextField::MyLocator, f.text3},
+        {TextField::MyOpName, f.text4},
+        {TextField::MyAdress, f.text5},
+        {TextField::MyPlz, f.text9},
+        {TextField::MyCity, f.text10},
+        {TextField::MyEmail, f.text6},
+        {TextField::MyStation, f.text7Lines.join(QLatin1Char('\n'))},
+        {TextField::MyKomment, f.text8Lines.join(QLatin1Char('\n'))}};
+    for (const auto& [field, value] : fields)
+        if (const QString p = FieldTextProblem(field, value); !p.isEmpty()) return p;
+    // The operator list goes into the main window's operator box and so into contacts.
+    for (const QString& row : f.combo5Rows)
+        if (const QString p = FieldTextProblem(TextField::Operator, row); !p.isEmpty()) return p;
     return {};
 }
 
@@ -314,16 +318,17 @@ bool Save(Model& m, Dialogs& dialogs, const TimeSource& clock, const MainHooks& 
     // 11: the old file of a new log is replaced whole by the write of step 14.
     // 12: the header.
     LogHeader& h = m.Header;
-    h.MYCALL = f.text1.toUpper();
-    h.MYLOCATOR = f.text3.toUpper();
+    // The texts as the gate stores them (Validate has refused what it cannot store).
+    h.MYCALL = FieldText(TextField::MyCall, f.text1);
+    h.MYLOCATOR = FieldText(TextField::MyLocator, f.text3);
     h.MYBZ = Fixed2(f.combo1Text.left(2).toUpper());
     h.MYOMYL = f.option1;
-    h.MYOPCALL = f.combo5Text.toUpper();
-    h.MYOPNAME = f.text4;
-    h.MYADRESS = f.text5;
-    h.MYPLZ = f.text9.toUpper();
-    h.MYCITY = f.text10;
-    h.MYEMAIL = f.text6;
+    h.MYOPCALL = FieldText(TextField::MyOpCall, f.combo5Text);
+    h.MYOPNAME = FieldText(TextField::MyOpName, f.text4);
+    h.MYADRESS = FieldText(TextField::MyAdress, f.text5);
+    h.MYPLZ = FieldText(TextField::MyPlz, f.text9);
+    h.MYCITY = FieldText(TextField::MyCity, f.text10);
+    h.MYEMAIL = FieldText(TextField::MyEmail, f.text6);
     h.MYWERTUNGSST = f.option2;
     h.MYPWR = f.option3;
     h.MYSTATION = f.text7;
@@ -471,10 +476,15 @@ bool OperatorListTakeOver(Dialogs& dialogs, QStringList& rows, int editIndex, co
         dialogs.MsgBox(QStringLiteral("Rufzeichen muss mindestens 3 Zeichen lang sein!"), Msg::Critical);
         return false;
     }
+    const GatedText gated = GateText(TextField::Operator, call);
+    if (!gated.Ok()) {
+        dialogs.MsgBox(gated.problem, Msg::Critical);
+        return false;
+    }
     if (editIndex < 0 || editIndex >= rows.size())
-        rows << call.toUpper();
+        rows << gated.text;
     else
-        rows[editIndex] = call.toUpper();
+        rows[editIndex] = gated.text;
     return true;
 }
 

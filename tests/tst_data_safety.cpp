@@ -158,25 +158,33 @@ private slots:
                  qPrintable(d.LastBox()->text));
     }
 
-    void noteWithACharacterOutsideTheCodePageIsStoredVisiblyReplaced() {
+    void noteWithACharacterOutsideTheCodePageIsRefusedWithABox() {
         EntryBench b;
         EntryFields f = b.Fields(QStringLiteral("OE3ABC"));
         f.notiz = QStringLiteral("nett ") + kEmoji + QStringLiteral(" QSO");
-        QCOMPARE(TakeEntry(b.m(), b.dialogs, b.grid, f).outcome, EntryResult::Logged);
-        QCOMPARE(b.m().LogRecords.back().Bemerkung, QStringLiteral("nett ? QSO"));
-        Model again;
-        again.SetLocale(AustrianLocale());
-        QVERIFY(ParseLog(again, ReadBytes(CurrentLogPath(b.m()))));
-        QCOMPARE(again.LogRecords.back().Bemerkung, QStringLiteral("nett ? QSO"));
+        const EntryResult r = TakeEntry(b.m(), b.dialogs, b.grid, f);
+        QCOMPARE(r.outcome, EntryResult::CheckFailed);
+        QCOMPARE(int(r.failure.focus), int(EntryFocus::Text8));
+        QVERIFY(b.dialogs.LastBox());
+        QCOMPARE(b.dialogs.LastBox()->flags, int(Msg::Exclamation));
+        QVERIFY2(b.dialogs.LastBox()->text.contains(QStringLiteral("kann nicht gespeichert werden")),
+                 qPrintable(b.dialogs.LastBox()->text));
+        QVERIFY(b.m().LogRecords.empty());
     }
 
     // ---- The separators never reach a field ----------------------------------------
 
-    void pilcrowInTheNoteIsNotStoredAndTheLineStaysWhole() {
+    void pilcrowInTheNoteOrOperatorIsRefusedAndNothingIsStored() {
         EntryBench b;
         EntryFields f = b.Fields(QStringLiteral("OE3ABC"));
         f.notiz = QStringLiteral("a\u00b6b\u00d7c");
+        QCOMPARE(TakeEntry(b.m(), b.dialogs, b.grid, f).outcome, EntryResult::CheckFailed);
+        QVERIFY(b.dialogs.LastBox()->text.contains(QStringLiteral("nicht erlaubt")));
+        f.notiz = QStringLiteral("abc");
         f.opCall = QStringLiteral("OE1\u00b6OP");
+        QCOMPARE(TakeEntry(b.m(), b.dialogs, b.grid, f).outcome, EntryResult::CheckFailed);
+        QVERIFY(b.m().LogRecords.empty());
+        f.opCall = QStringLiteral("oe1op ");
         QCOMPARE(TakeEntry(b.m(), b.dialogs, b.grid, f).outcome, EntryResult::Logged);
         Model again;
         again.SetLocale(AustrianLocale());
@@ -184,6 +192,7 @@ private slots:
         QCOMPARE(again.LogRecords.size(), size_t(1));
         QCOMPARE(again.LogRecords[0].Bemerkung, QStringLiteral("abc"));
         QCOMPARE(again.LogRecords[0].Operator, QStringLiteral("OE1OP"));
+        QCOMPARE(b.grid.Text(0, 10), QStringLiteral("OE1OP"));
         QCOMPARE(again.LogRecords[0].BandRx, QStringLiteral("0"));
     }
 

@@ -59,6 +59,7 @@ private slots:
     void failedCheckChangesNothing();
     void checksTrimBlanksButNotOtherSpace();
     void recordHoldsTheStoredForms();
+    void textsLongerThanTheFieldStoresAreRefusedNotCut();
     void gridRowHoldsTheTextsAsTyped();
     void firstContactGetsLaufNrZeroAndIndexZero();
     void laufNrFollowsTheLastRecord();
@@ -178,12 +179,11 @@ void TestQsoEntry::checksTrimBlanksButNotOtherSpace() {
 
 void TestQsoEntry::recordHoldsTheStoredForms() {
     Bench b;
-    EntryFields f = b.Fields(QStringLiteral("oe1abcdefghijklm"), 1);
-    f.call = QStringLiteral("OE1ABCDEFGHIJKLM"); // 16 characters
-    f.rstGesendet = QStringLiteral("59a9x");
+    EntryFields f = b.Fields(QStringLiteral(" oe1abcdefghij "), 1);
+    f.rstGesendet = QStringLiteral("59a9");
     f.rstEmpfangen = QStringLiteral(" 57");
     f.mode = QStringLiteral(" SSB ");
-    f.opCall = QStringLiteral("  OE1OPERATORCALL ");
+    f.opCall = QStringLiteral("  oe1operatorc ");
     f.notiz = QStringLiteral(" Notiz mit Blank ");
     f.zeit = QStringLiteral("6:05");
     f.qsl = 1;
@@ -195,17 +195,39 @@ void TestQsoEntry::recordHoldsTheStoredForms() {
     QCOMPARE(r.Datum, QStringLiteral("01.05.2026"));
     QCOMPARE(r.Zeit, QStringLiteral("06:05:00"));
     QCOMPARE(r.RstGesendet, QStringLiteral("59A9"));
-    QCOMPARE(r.RstEmpfangen, QStringLiteral(" 57"));
+    QCOMPARE(r.RstEmpfangen, QStringLiteral("57"));
     QCOMPARE(r.Qsl, 1);
     QCOMPARE(r.Mode, QStringLiteral("SSB"));
     QCOMPARE(r.ModeRx, QStringLiteral("SSB"));
     QCOMPARE(r.Status, 0);
-    QCOMPARE(r.Operator, QStringLiteral("OE1OPERATORCA"));
+    QCOMPARE(r.Operator, QStringLiteral("OE1OPERATORC"));
     QCOMPARE(r.Bemerkung, QStringLiteral(" Notiz mit Blank "));
     QCOMPARE(r.BandRx, QStringLiteral("0"));
     QCOMPARE(r.Frequenz, 3500.0f);
     QCOMPARE(r.FrequenzRx, 0.0f);
     QVERIFY(r.Reserve1.isEmpty() && r.Reserve2.isEmpty() && r.Reserve3.isEmpty());
+    // The grid row shows the same texts.
+    QCOMPARE(b.grid.Text(0, 4), r.Call);
+    QCOMPARE(b.grid.Text(0, 5), r.RstGesendet);
+    QCOMPARE(b.grid.Text(0, 6), r.RstEmpfangen);
+    QCOMPARE(b.grid.Text(0, 10), r.Operator);
+}
+
+void TestQsoEntry::textsLongerThanTheFieldStoresAreRefusedNotCut() {
+    Bench b;
+    EntryFields f = b.Fields(QStringLiteral("OE1ABCDEFGHIJKLM"), 1); // 16 characters
+    const EntryResult r = b.Take(f);
+    QCOMPARE(r.outcome, EntryResult::CheckFailed);
+    QCOMPARE(r.failure.check, 0);
+    QCOMPARE(r.failure.boxFlags, int(Msg::Exclamation));
+    QCOMPARE(b.dialogs.LastBox()->text,
+             QStringLiteral("Das Feld \"Rufzeichen\" darf höchstens 13 Zeichen lang sein!"));
+    QVERIFY(b.m().LogRecords.empty());
+    f = b.Fields(QStringLiteral("OE1ABC"), 1);
+    f.rstGesendet = QStringLiteral("59a9x");
+    QCOMPARE(b.Take(f).outcome, EntryResult::CheckFailed);
+    QCOMPARE(int(b.Take(f).failure.focus), int(EntryFocus::Text4));
+    QVERIFY(b.m().LogRecords.empty());
 }
 
 void TestQsoEntry::gridRowHoldsTheTextsAsTyped() {
