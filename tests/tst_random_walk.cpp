@@ -428,7 +428,7 @@ private:
         std::vector<Ref> file;
         for (const QsoRecord& r : m.LogRecords)
             if (r.Status != Status::Deleted)
-                file.push_back({r.Call, r.Band, r.Mode, r.Bezirk.trimmed(), r.Notiz});
+                file.push_back({r.Call, r.Band, r.Mode, r.Bezirk.trimmed(), r.Bemerkung});
         if (bulkBand_) {
             // A band changed over the whole log, if it was saved: every contact or none.
             bool all = true;
