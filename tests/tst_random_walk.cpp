@@ -105,7 +105,9 @@ public:
         if (!Start()) return false;
         for (step_ = 0; step_ < n && findings_->size() < 20; ++step_) {
             const quint32 pick = rng_.bounded(100u);
-            if (pick < 45)
+            if (step_ == 20) // every walk of that length kills the program at least once
+                KillRound();
+            else if (pick < 45)
                 Contact();
             else if (pick < 70)
                 Edit();
@@ -141,7 +143,8 @@ private:
             return false;
         }
         f_.window->show();
-        f_.Menu("MnStatistik")->trigger();
+        // The result window comes back by itself when it was open at the last end.
+        if (!f_.Menu("MnStatistik")->isChecked()) f_.Menu("MnStatistik")->trigger();
         statistik_ = OpenStatistik(*f_.window);
         if (!statistik_) Finding(QStringLiteral("the result window does not open"));
         return true;
@@ -310,6 +313,8 @@ private:
         f_.window->close();
         f_.window.reset();
         statistik_ = nullptr;
+        // The program opens the last log at its start.
+        f_.Ini(QStringLiteral("Pathe"), QStringLiteral("LastLogFile"), current_);
         QProcess child;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert(QStringLiteral("KOLIBRINO_TEST_DRIVE"), QStringLiteral("1"));
