@@ -3,12 +3,14 @@
 // kolibrino-cli dupes FILE [--umwandeln]
 //
 // ROW counts from 1 in the grid sorted by time ascending, as the window shows the log
-// after a load. Both go through the same logic as the windows.
+// after a load. Both go through the same logic as the windows. A log whose write lock a
+// window or another command holds is refused with exit status 1 and left as it is.
 #include "app/cli_corrections.h"
 
 #include "app/console_dialogs.h"
 #include "core/clock.h"
 #include "core/log_file.h"
+#include "core/log_lock.h"
 #include "core/tallies.h"
 #include "core/vb_text.h"
 #include "corrections/delete_entry.h"
@@ -125,6 +127,11 @@ int CorrectionsCli(const QStringList& args, Model& m) {
 
     CliDialogs dialogs;
     LoadBezirkTable(m, dialogs);
+    // One writer per log: a log that a window or another command holds stays as it is.
+    if (const QString locked = TakeWriteLock(m); !locked.isEmpty()) {
+        Err(QString(locked).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+        return 1;
+    }
     if (!LoadLog(m, dialogs, CurrentLogPath(m))) return 1;
     LogGridModel grid(m.Formats);
     DatenInGrid1Neu(m, grid);

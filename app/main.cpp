@@ -61,13 +61,15 @@ int main(int argc, char** argv) {
     SetupFolders(model);
     CopyShippedData(model);
 
-    QtDialogs dialogs;
+    QtDialogs qtDialogs;
+    DriveDialogs driveDialogs(qtDialogs); // boxes told on standard output (test drive only)
+    Dialogs& dialogs = TestDriveWanted() ? static_cast<Dialogs&>(driveDialogs) : qtDialogs;
     SystemTimeSource clock;
     SetIniWriteRefusedHandler([&dialogs](const QString& text) {
         dialogs.MsgBox(text, Msg::Exclamation, QStringLiteral("Kolibrino"));
     });
     HauptForm window(model, dialogs, clock);
-    dialogs.SetParent(&window);
+    qtDialogs.SetParent(&window);
     setup::InstallLogSetup(window, model, dialogs, clock);
     InstallScoring(window, model, dialogs, clock);
     exporting::ExportOptions exportOptions;

@@ -172,8 +172,21 @@ private:
 
 } // namespace
 
+bool TestDriveWanted() {
+    return qEnvironmentVariableIntValue("KOLIBRINO_TEST_DRIVE") == 1;
+}
+
+int DriveDialogs::MsgBox(const QString& text, int flags, const QString&) {
+    QString line = text;
+    line.replace(QStringLiteral("\r\n"), QStringLiteral(" | "));
+    line.replace(QLatin1Char('\n'), QStringLiteral(" | "));
+    Answer("M " + line.toUtf8());
+    if (Msg::Buttons(flags) == Msg::RetryCancel) return Msg::Cancel;
+    return DefaultAnswer(flags);
+}
+
 bool InstallTestDrive(HauptForm& window, Model& m, Dialogs& dialogs) {
-    if (qEnvironmentVariableIntValue("KOLIBRINO_TEST_DRIVE") != 1) return false;
+    if (!TestDriveWanted()) return false;
     new Drive(window, m, dialogs);
     Answer("R");
     return true;

@@ -76,7 +76,7 @@ void WriteLog(const Model& base, const QString& name, int count) {
         m.LogRecords.push_back(r);
     }
     BuildLogText(m, true, 2026);
-    WriteLogFile(m);
+    if (!WriteLogFile(m).isEmpty()) std::abort();
 }
 
 struct Session {

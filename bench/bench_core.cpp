@@ -109,7 +109,7 @@ int main(int argc, char** argv) {
         FillGeneratedLog(m, count, 42);
         const QByteArray bytes = ToCp1252(m.LogText);
         const QString path = m.LogFolder + m.CurrentLogName;
-        WriteFileAtomic(path, bytes);
+        if (!WriteFileAtomic(path, bytes).isEmpty()) std::abort();
 
         const int runs = count >= 100000 ? 7 : 21;
         loadTable.emplace_back(count, MeasureLoad(path, count, runs));

@@ -50,7 +50,7 @@ int main(int argc, char** argv) {
         const auto [tCab, tCabPlain] = PairedMedianMs(
             runs, [&] { WriteCabrillo(src, score, cab); }, [&] { PlainWriteFsync(plain, cabBytes); });
         const auto [tAdi, tAdiPlain] = PairedMedianMs(
-            runs, [&] { WriteFileAtomic(adi, BuildAdifBytes(m, grid, m.Header.MYBZ)); },
+            runs, [&] { if (!WriteFileAtomic(adi, BuildAdifBytes(m, grid, m.Header.MYBZ)).isEmpty()) std::abort(); },
             [&] { PlainWriteFsync(plain, adiBytes); });
         std::printf(
             "%7d Kontakte  Cabrillo %8.2f ms (%lld Bytes), reines Schreiben+fsync %7.2f ms, Faktor %.2f\n", n,

@@ -95,7 +95,7 @@ int main(int argc, char** argv) {
         m.LogFolder = model.LogFolder;
         m.CurrentLogName = QStringLiteral("bench.KOLBO");
         FillGeneratedLog(m, 100);
-        WriteLogFile(m);
+        if (!WriteLogFile(m).isEmpty()) std::abort();
     }
     qputenv("KOLIBRINO_LOG", "bench.KOLBO");
     const int port = FreePort();

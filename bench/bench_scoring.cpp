@@ -55,7 +55,7 @@ void WriteScoringLog(Model& base, const QString& name, int count) {
     m.Header.MYNPOWER = 2;
     m.Header.MYCITY = QStringLiteral("Mödling");
     BuildLogText(m, true, 2026);
-    WriteLogFile(m);
+    if (!WriteLogFile(m).isEmpty()) std::abort();
 }
 
 struct Session {

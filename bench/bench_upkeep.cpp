@@ -93,7 +93,7 @@ int main(int argc, char** argv) {
     log.LogFolder = base.LogFolder;
     log.CurrentLogName = QStringLiteral("start.KOLBO");
     FillGeneratedLog(log, 1000);
-    WriteLogFile(log);
+    if (!WriteLogFile(log).isEmpty()) std::abort();
 
     int closedPort = 0;
     {

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -54,8 +55,6 @@ QString WriteTarget(const QString& path) {
 QString WriteFileAtomic(const QString& path, const QByteArray& bytes) {
     const QFileInfo info(WriteTarget(path));
     const QString dir = info.absolutePath();
-    const QByteArray tmp =
-        QFile::encodeName(dir + QStringLiteral("/.") + info.fileName() + QStringLiteral(".tmp"));
     const QByteArray target = QFile::encodeName(info.absoluteFilePath());
     // The new file keeps the mode of the one it replaces; a read-only file is refused.
     mode_t mode = 0644;
@@ -65,8 +64,10 @@ QString WriteFileAtomic(const QString& path, const QByteArray& bytes) {
         if ((mode & 0222) == 0 || (::geteuid() != 0 && ::access(target.constData(), W_OK) != 0))
             return SysError(QStringLiteral("Datei ist schreibgeschützt:"), path, EACCES);
     }
+    // A temporary name of its own for every write: two writers never share one.
+    QByteArray tmp = QFile::encodeName(dir + QStringLiteral("/.") + info.fileName()) + ".XXXXXX.tmp";
     {
-        Fd fd(::open(tmp.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+        Fd fd(::mkostemps(tmp.data(), 4, O_CLOEXEC));
         if (fd.get() < 0)
             return SysError(QStringLiteral("Datei kann nicht geschrieben werden:"), path, errno);
         if (::fchmod(fd.get(), mode) != 0) {
@@ -103,9 +104,23 @@ QString WriteFileAtomic(const QString& path, const QByteArray& bytes) {
         ::unlink(tmp.constData());
         return SysError(QStringLiteral("Datei kann nicht ersetzt werden:"), path, err);
     }
+    return SyncFolder(dir, path);
+}
+
+QString SyncFolder(const QString& dir, const QString& path) {
+    // The rename is only safe from a power cut once the folder is on the disk too. The
+    // new file is in place already; a failure here says that it may not survive one.
     Fd dfd(::open(QFile::encodeName(dir).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (dfd.get() >= 0) ::fsync(dfd.get());
-    return {};
+    int err = 0;
+    if (dfd.get() < 0)
+        err = errno;
+    else if (::fsync(dfd.get()) != 0)
+        err = errno;
+    // EINVAL: a file system that has no way to sync a folder (nothing to wait for).
+    if (err == 0 || err == EINVAL) return {};
+    return SysError(QStringLiteral("Ordner kann nicht auf die Festplatte geschrieben werden (die Datei ist "
+                                   "ersetzt, übersteht aber einen Stromausfall vielleicht nicht):"),
+                    path, err);
 }
 
 QByteArray ReadWholeFile(const QString& path, bool* ok, QString* error) {
@@ -129,11 +144,17 @@ QByteArray ReadWholeFile(const QString& path, bool* ok, QString* error) {
     return data;
 }
 
-bool CopyFileTo(const QString& source, const QString& target, bool overwrite) {
-    if (!overwrite && QFileInfo::exists(target)) return false;
+bool CopyFileTo(const QString& source, const QString& target, bool overwrite, QString* error) {
+    if (!overwrite && QFileInfo::exists(target)) {
+        if (error) *error = SysError(QStringLiteral("Datei existiert bereits:"), target, EEXIST);
+        return false;
+    }
     bool ok = false;
-    const QByteArray bytes = ReadWholeFile(source, &ok);
-    return ok && WriteFileAtomic(target, bytes).isEmpty();
+    QString e;
+    const QByteArray bytes = ReadWholeFile(source, &ok, &e);
+    if (ok) e = WriteFileAtomic(target, bytes);
+    if (error) *error = e;
+    return e.isEmpty();
 }
 
 bool FileExists(const QString& path) {

@@ -3,9 +3,13 @@
 #include "core/atomic_file.h"
 #include "core/paths.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <cerrno>
+#include <cstring>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 namespace kolibrino {
 
@@ -21,6 +25,34 @@ double DriveFreeBytes(const QString& path) {
     if (::statvfs(QFile::encodeName(folder).constData(), &st) != 0) return -1;
     return double(st.f_bavail) * double(st.f_frsize);
 }
+
+namespace {
+
+QString FileError(const QString& what, const QString& path, int err) {
+    return QStringLiteral("%1 %2: %3")
+        .arg(what, QDir::toNativeSeparators(path), QString::fromLocal8Bit(std::strerror(err)));
+}
+
+QString RemoveFile(const QString& path) {
+    if (::unlink(QFile::encodeName(path).constData()) == 0) return {};
+    const int err = errno;
+    if (err == ENOENT) return {};
+    return FileError(QStringLiteral("Alte Sicherung kann nicht gelöscht werden:"), path, err);
+}
+
+QString RenameFile(const QString& from, const QString& to) {
+    if (::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0) return {};
+    const int err = errno;
+    return FileError(QStringLiteral("Sicherung kann nicht umbenannt werden:"), from, err);
+}
+
+// The real cause of a failed backup, with the box of a failed copy (stop icon).
+void BackupFailed(Dialogs& dialogs, const QString& cause) {
+    dialogs.MsgBox(QStringLiteral("Fehler beim Sichern!\r\n\r\n%1\r\n\r\nSichern abgebrochen!").arg(cause),
+                   Msg::Critical);
+}
+
+} // namespace
 
 void BackupFile(Dialogs& dialogs, const QString& source, const QString& target,
                 const QString& extraBackupPath, const FreeSpaceProbe& freeSpace) {
@@ -50,13 +82,24 @@ void BackupFile(Dialogs& dialogs, const QString& source, const QString& target,
         return;
     }
     const QString alt = target + QStringLiteral(".ALT");
-    if (QFile::exists(alt)) QFile::remove(alt);
-    if (QFile::exists(target)) QFile::rename(target, alt);
-    if (CopyFileTo(source, target, true)) {
-        if (QFile::exists(alt)) QFile::remove(alt);
+    const bool targetThere = QFileInfo::exists(target);
+    // The old ".ALT" goes only when a newer copy takes its place: with the target missing
+    // (a copy that failed last time) it is the last good copy and stays.
+    if (targetThere && QFileInfo::exists(alt)) {
+        if (const QString e = RemoveFile(alt); !e.isEmpty()) return BackupFailed(dialogs, e);
+    }
+    if (targetThere) {
+        if (const QString e = RenameFile(target, alt); !e.isEmpty()) return BackupFailed(dialogs, e);
+    }
+    QString error;
+    if (CopyFileTo(source, target, true, &error)) {
+        if (QFileInfo::exists(alt)) {
+            if (const QString e = RemoveFile(alt); !e.isEmpty()) BackupFailed(dialogs, e);
+        }
         return;
     }
-    dialogs.MsgBox(QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"), Msg::Critical);
+    // The ".ALT" file stays as the last good copy.
+    BackupFailed(dialogs, error);
 }
 
 } // namespace kolibrino

@@ -20,6 +20,6 @@ inline constexpr int kFehlerFlags = Msg::RetryCancel | Msg::Critical; // 21
 QString FehlerText(const QString& description);
 
 // op returns the empty text on success, else the error's description.
-bool RunTrapped(Dialogs& dialogs, const std::function<QString()>& op);
+[[nodiscard]] bool RunTrapped(Dialogs& dialogs, const std::function<QString()>& op);
 
 } // namespace kolibrino

@@ -1,4 +1,5 @@
 #include "core/log_file.h"
+#include "core/log_lock.h"
 
 #include "core/atomic_file.h"
 #include "core/call_index.h"
@@ -321,7 +322,20 @@ QString CurrentLogPath(const Model& m) {
 
 QString WriteLogFile(const Model& m) {
     if (m.CurrentLogName.isEmpty()) return QStringLiteral("Kein Log geöffnet");
-    return WriteFileAtomic(CurrentLogPath(m), ToCp1252(m.LogText));
+    return WriteLogBytes(m, ToCp1252(m.LogText));
+}
+
+QString WriteLogBytes(const Model& m, const QByteArray& bytes) {
+    if (m.CurrentLogName.isEmpty()) return QStringLiteral("Kein Log geöffnet");
+    const QString path = CurrentLogPath(m);
+    // A model without the log's lock (a tool, a fixture) holds it for this one write.
+    std::shared_ptr<LogLock> once;
+    if (!m.WriteLock || !m.WriteLock->Covers(path)) {
+        QString error;
+        once = LogLock::Take(path, &error);
+        if (!once) return error;
+    }
+    return WriteFileAtomic(path, bytes);
 }
 
 void UpdateCounters(Model& m, int band, const QString& mode, const QTime& time, bool doAdd) {

@@ -24,9 +24,9 @@ QString LoadFailureText(const QString& path);
 // sets what follows from the header (ApplyHeaderRules). Returns 1 on success, 0 after a
 // failure (stop box shown, model emptied). Counters, district tallies and state
 // stations are left alone: RebuildTallies() makes them.
-int LoadLog(Model& m, Dialogs& dialogs, const QString& path);
+[[nodiscard]] int LoadLog(Model& m, Dialogs& dialogs, const QString& path);
 // The same parse on bytes already read; no box, the failure text in *error.
-bool ParseLog(Model& m, const QByteArray& bytes, QString* error = nullptr);
+[[nodiscard]] bool ParseLog(Model& m, const QByteArray& bytes, QString* error = nullptr);
 // The values that follow from the header, so that every window and every command of
 // kolibrino-cli judges a log alike: IsStaatsfunkstelle (scoring class 4) and the
 // border between the periods, MittagsGrenze.
@@ -46,8 +46,12 @@ QString BuildLogText(Model& m, bool rebuildIndex, const TimeSource& clock);
 // Full path of the open log.
 QString CurrentLogPath(const Model& m);
 // Replaces the open log's file with m.LogText (code page 1252, atomically).
-// Returns the empty text on success, else the error's description.
-QString WriteLogFile(const Model& m);
+// Returns the empty text on success, else the error's description. A log whose write
+// lock another program holds is never written (the text says so); a model that does
+// not hold the lock itself takes it for this one write.
+[[nodiscard]] QString WriteLogFile(const Model& m);
+// The same with the file's bytes already made.
+[[nodiscard]] QString WriteLogBytes(const Model& m, const QByteArray& bytes);
 
 // Adds (doAdd "True") or takes away (doAdd "False") one contact in ModeBandCount and
 // PeriodBandCount. Any other doAdd text changes nothing, as does an unknown band.

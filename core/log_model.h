@@ -13,9 +13,34 @@
 #include <QString>
 #include <QTime>
 #include <array>
+#include <memory>
 #include <vector>
 
 namespace kolibrino {
+
+class LogLock; // core/log_lock.h
+
+// The write lock of the open log (core/log_lock.h), as a model holds it. A copy of a
+// model is no writer: it starts without the lock, and an assignment keeps the lock the
+// model already holds.
+class WriteLockRef {
+public:
+    WriteLockRef() = default;
+    WriteLockRef(const WriteLockRef&) noexcept {}
+    WriteLockRef& operator=(const WriteLockRef&) noexcept { return *this; }
+    WriteLockRef(WriteLockRef&&) noexcept = default;
+    WriteLockRef& operator=(WriteLockRef&&) noexcept = default;
+    WriteLockRef& operator=(std::shared_ptr<LogLock> lock) noexcept {
+        lock_ = std::move(lock);
+        return *this;
+    }
+    LogLock* operator->() const { return lock_.get(); }
+    explicit operator bool() const { return bool(lock_); }
+    void reset() { lock_.reset(); }
+
+private:
+    std::shared_ptr<LogLock> lock_;
+};
 
 // Bands as stored in records, and the order of the band box.
 inline constexpr int kBand40 = 40;
@@ -129,6 +154,8 @@ struct Model {
     std::vector<QsoRecord> LogRecords; // empty: the log has no contacts
     QString LogText;
     QString CallIndex = QStringLiteral("\u00B6");
+    // The write lock of the open log while this program may write it (core/log_lock.h).
+    WriteLockRef WriteLock;
 
     // Tallies, rebuilt from the records by RebuildTallies().
     // Counters are wider than 16 bits so that test logs of any size never overflow.

@@ -77,7 +77,12 @@ QByteArray ProfileBytes(const QStringList& lines) {
 }
 
 void WriteProfile(const QString& path, const QStringList& lines) {
-    WriteFileAtomic(path, ProfileBytes(lines)); // failures are not reported, as ever
+    // A setting that does not reach the disk is told once, with its cause; the program
+    // goes on with the value in memory.
+    const QString error = WriteFileAtomic(path, ProfileBytes(lines));
+    if (error.isEmpty() || g_refusedTold || !g_refused) return;
+    g_refusedTold = true;
+    g_refused(QStringLiteral("Die Einstellungen können nicht gespeichert werden!\r\n\r\n%1").arg(error));
 }
 
 // Name of a section header line, or the null text when the line is none. The name

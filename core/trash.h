@@ -12,7 +12,7 @@
 
 namespace kolibrino {
 
-QString MoveToTrash(const QString& path, const QString& backupFolder,
+[[nodiscard]] QString MoveToTrash(const QString& path, const QString& backupFolder,
                     const QDateTime& now = QDateTime::currentDateTime(), QString* movedTo = nullptr);
 
 // The name a deleted file gets in the backup folder when there is no trash.

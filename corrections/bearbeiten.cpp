@@ -242,7 +242,7 @@ void Bearbeiten::Command4Click() {
     EditFields f = ReadFields();
     if (const auto failure = CheckEdit(m_, main_.Grid(), row_, f)) {
         if (failure->textHidden)
-            RunTrappedUi(dialogs_, [] { return kMsgObjektErforderlich; });
+            static_cast<void>(RunTrappedUi(dialogs_, [] { return kMsgObjektErforderlich; })); // the box only
         else
             dialogs_.MsgBox(failure->message, failure->boxFlags);
         FocusOn(failure->focus);

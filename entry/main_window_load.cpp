@@ -3,6 +3,7 @@
 #include "core/atomic_file.h"
 #include "core/cp1252.h"
 #include "core/log_file.h"
+#include "core/log_lock.h"
 #include "core/paths.h"
 #include "core/print_choice.h"
 #include "core/settings.h"
@@ -23,6 +24,12 @@ namespace {
 
 const QString kEinst = QString::fromLatin1(kSectionEinstellungen);
 const QString kPos = QString::fromLatin1(kSectionFensterPos);
+// The question when the last write before the end failed and the operator cancelled it.
+const QString kUnwrittenAtClose =
+    QStringLiteral("Die letzten Kontakte und Änderungen sind NICHT in der Logdatei gespeichert: "
+                   "die Datei konnte nicht geschrieben werden.\r\n\r\n"
+                   "Wird Kolibrino jetzt beendet, sind diese Kontakte verloren.\r\n\r\n"
+                   "Trotzdem beenden?");
 
 int ReadInt(const QString& section, const QString& key) {
     return int(IniReadInt({}, section, key));
@@ -128,6 +135,12 @@ bool HauptForm::Load() {
     if (text3_->text().isEmpty()) text3_->setText(ResetCallText(vorgabe));
     // 16: the log itself, the call list, the manual, the grid.
     const QString path = m_.LogFolder + m_.CurrentLogName;
+    // One writer per log: a log that another program holds is not opened here at all.
+    if (!TakeWriteLock(m_, dialogs_)) {
+        m_.CurrentLogName.clear();
+        close();
+        return false;
+    }
     if (LoadLog(m_, dialogs_, path) != 1) {
         dialogs_.MsgBox(LoadFailureText(path), Msg::Critical);
         IniWrite({}, kEinst, QStringLiteral("LastLogOpen"), 0);
@@ -199,7 +212,13 @@ void HauptForm::Unload() {
     timer4_.stop();
     if (m_.CurrentLogName.isEmpty()) return;
     // A contact that did not reach the file gets one more try before the program ends.
-    if (!fileUpToDate_) fileUpToDate_ = RunTrappedUi(dialogs_, [this] { return WriteLogFile(m_); });
+    // Ending with them unwritten is the operator's choice alone, asked in plain words.
+    while (!fileUpToDate_) {
+        fileUpToDate_ = RunTrappedUi(dialogs_, [this] { return WriteLogFile(m_); });
+        if (!fileUpToDate_ && dialogs_.MsgBox(kUnwrittenAtClose, Msg::YesNo | Msg::Exclamation |
+                                                                     Msg::DefaultButton2) == Msg::Yes)
+            break;
+    }
     if (timer3_.isActive()) Timer3Tick();
     // Operators: at most the first ten.
     if (combo6_->count() > 0) StoreOperators(Operators());
@@ -225,6 +244,7 @@ void HauptForm::Unload() {
     // On the contest day the submission is offered once more.
     if (Reminders.OfferAtClosing(ContestNow(clock_, m_.ZeitOffset), grid_.DataRows())) MnLogEinsenden();
     m_.MainWindowLoaded = false;
+    m_.WriteLock.reset(); // the log is free for the next program
 }
 
 } // namespace kolibrino

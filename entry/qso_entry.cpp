@@ -232,8 +232,7 @@ EntryResult TakeEntry(Model& m, Dialogs& dialogs, LogGridModel& grid, const Entr
             fileBytes->bytes = ToCp1252(m.LogText);
         fileBytes->text = m.LogText;
         res.fileWritten = RunTrapped(dialogs, [&m, fileBytes] {
-            if (m.CurrentLogName.isEmpty()) return WriteLogFile(m); // its "no log" message
-            return WriteFileAtomic(CurrentLogPath(m), fileBytes->bytes);
+            return WriteLogBytes(m, fileBytes->bytes);
         });
     } else {
         res.fileWritten = RunTrapped(dialogs, [&m] { return WriteLogFile(m); });

@@ -4,6 +4,7 @@
 #include "core/call_index.h"
 #include "core/cp1252.h"
 #include "core/log_file.h"
+#include "core/log_lock.h"
 #include "core/settings.h"
 #include "core/tallies.h"
 #include "core/vb_text.h"
@@ -109,12 +110,23 @@ SwitchResult FinishNewLog(Model& m, Dialogs& dialogs, const MainHooks& hooks) {
     }
     if (!m.LogChanged) return SwitchResult::Unchanged;
     m.LogChanged = false;
+    // The new log was written a moment ago; another program that took it since then
+    // leaves this one without a log it may write.
+    if (!TakeWriteLock(m, dialogs)) {
+        dialogs.MsgBox(QStringLiteral("Kolibrino muss beendet werden."), Msg::Critical);
+        return SwitchResult::EndProgram;
+    }
     WriteLastLogFile(m, m.CurrentLogName);
     return SwitchLog(m, dialogs, hooks, false);
 }
 
 SwitchResult FinishOpenLog(Model& m, Dialogs& dialogs, const MainHooks& hooks, const QString& previous) {
     if (m.CurrentLogName == previous) return SwitchResult::Unchanged;
+    // A log that another program writes is not opened; the old one stays, with its lock.
+    if (!TakeWriteLock(m, dialogs)) {
+        m.CurrentLogName = previous;
+        return SwitchResult::Unchanged;
+    }
     WriteLastLogFile(m, m.CurrentLogName);
     return SwitchLog(m, dialogs, hooks, true);
 }

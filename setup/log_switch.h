@@ -58,7 +58,9 @@ SwitchResult SwitchLog(Model& m, Dialogs& dialogs, const MainHooks& hooks, bool 
 // "Neues Log" after StationLog has closed (or the same-day warning chose the last
 // log): the "Ungültiges Log!" end, the cancel, LastLogFile and the switch.
 SwitchResult FinishNewLog(Model& m, Dialogs& dialogs, const MainHooks& hooks);
-// "Log Öffnen" after the log manager has closed; previous is the name before.
+// "Log Öffnen" after the log manager has closed; previous is the name before. A log
+// that another program holds is refused with its box, and previous stays the log.
+// Both take the new log's write lock and drop the old one.
 SwitchResult FinishOpenLog(Model& m, Dialogs& dialogs, const MainHooks& hooks, const QString& previous);
 
 // The main window's title for the current log.

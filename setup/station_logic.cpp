@@ -5,6 +5,7 @@
 #include "core/error_trap.h"
 #include "core/locale_fmt.h"
 #include "core/log_file.h"
+#include "core/log_lock.h"
 #include "core/settings.h"
 #include "core/storable_text.h"
 #include "core/tallies.h"
@@ -12,6 +13,7 @@
 #include "core/vb_text.h"
 #include "setup/log_manager.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cmath>
@@ -183,12 +185,25 @@ Focus ChooseFileName(Model& m, Dialogs& dialogs, const TimeSource& clock, Statio
     }
     const QString path = m.LogFolder + name + QLatin1String(".KOLBO");
     if (QFileInfo::exists(path)) {
+        // A log that another program writes is neither replaced nor moved away.
+        if (QString locked; LockedByOther(path, &locked)) {
+            dialogs.MsgBox(locked, Msg::Exclamation);
+            return Focus::None;
+        }
         const int a = dialogs.MsgBox(QStringLiteral("Datei existiert bereits! Überschreiben?"),
                                      Msg::YesNo | Msg::Question | Msg::DefaultButton2);
         if (a == Msg::No) ChooseFileName(m, dialogs, clock, f);
         // This pass's file goes, whatever the answer, and this pass's name wins; it goes
-        // to the trash, so that a No the flow does not heed costs nothing.
-        RunTrapped(dialogs, [&]() -> QString { return MoveToTrash(path, m.BackupFolder, clock.Now()); });
+        // to the trash, so that a No the flow does not heed costs nothing. A file that
+        // does not reach the trash keeps its name: the new log never overwrites it.
+        if (!RunTrapped(dialogs, [&]() -> QString { return MoveToTrash(path, m.BackupFolder, clock.Now()); })) {
+            dialogs.MsgBox(QStringLiteral("Das bestehende Log %1 wurde nicht in den Papierkorb verschoben und "
+                                          "bleibt unverändert.\r\n\r\nDas neue Log wird unter diesem Namen "
+                                          "nicht angelegt.")
+                               .arg(QDir::toNativeSeparators(path)),
+                           Msg::Exclamation);
+            return Focus::None;
+        }
     }
     m.CurrentLogName = name + QLatin1String(".KOLBO");
     f.label10 = m.CurrentLogName;

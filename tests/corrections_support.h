@@ -7,6 +7,7 @@
 #include "core/tallies.h"
 #include "corrections/install_corrections.h"
 #include "setup/modal.h"
+#include "disk_support.h"
 #include "tst_main_window_support.h"
 
 #include <QAction>
@@ -52,10 +53,13 @@ public:
     }
     bool IsDupeRow(int row) const { return Grid().Text(row, kGridColDupe) == QLatin1String("Dupe"); }
 
-    // A blocker of the log's temporary file: the next rewrite fails until it is gone.
-    QString BlockPath() const { return home.model.LogFolder + QStringLiteral(".test.KOLBO.tmp"); }
-    void BlockWrites() { QVERIFY(QDir().mkpath(BlockPath() + QStringLiteral("/x"))); }
-    void UnblockWrites() { QVERIFY(QDir(BlockPath()).removeRecursively()); }
+    // A write limit for this process: the next rewrite fails until it is lifted.
+    void BlockWrites() {
+        block = std::make_unique<WriteBlock>();
+        QVERIFY(block->Active());
+    }
+    void UnblockWrites() { block.reset(); }
+    std::unique_ptr<WriteBlock> block;
     // Blocks the rewrite until the "FEHLER" box shows; *during gets the file's bytes at
     // that moment, and the next try (Wiederholen) goes through.
     void BlockWritesUntilFehler(QByteArray* during) {

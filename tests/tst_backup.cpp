@@ -4,6 +4,9 @@
 #include "core/scripted_dialogs.h"
 #include "test_support.h"
 
+#include <cerrno>
+#include <cstring>
+
 using namespace kolibrino;
 using namespace kolibrino::test;
 
@@ -80,9 +83,35 @@ private slots:
         QVERIFY(!QFile::exists(target));
         QCOMPARE(ReadBytes(target + QStringLiteral(".ALT")), QByteArray("letzte gute Kopie"));
         QCOMPARE(dialogs.boxes.size(), 1);
-        QCOMPARE(dialogs.boxes[0].text,
-                 QStringLiteral("Kein gültiger Pfad zum Sichern! Sichern abgebrochen!"));
+        // The real cause, not a path that is fine.
+        QVERIFY(dialogs.boxes[0].text.startsWith(QStringLiteral("Fehler beim Sichern!\r\n\r\n")));
+        QVERIFY(dialogs.boxes[0].text.contains(QStringLiteral("Datei kann nicht gelesen werden")));
+        QVERIFY(dialogs.boxes[0].text.endsWith(QStringLiteral("\r\n\r\nSichern abgebrochen!")));
         QCOMPARE(dialogs.boxes[0].flags, 16);
+    }
+
+    void anOldCopyThatCannotBeRemovedStopsTheBackupWithItsCause() {
+        WriteBytes(target, "gute Kopie");
+        QVERIFY(QDir().mkpath(target + QStringLiteral(".ALT/x"))); // not a file: unlink fails
+        BackupFile(dialogs, source, target, QString());
+        QCOMPARE(dialogs.boxes.size(), 1);
+        QVERIFY(dialogs.boxes[0].text.startsWith(QStringLiteral("Fehler beim Sichern!")));
+        QVERIFY(dialogs.boxes[0].text.contains(QStringLiteral("Alte Sicherung kann nicht gelöscht werden")));
+        QVERIFY(dialogs.boxes[0].text.contains(QString::fromLocal8Bit(std::strerror(EISDIR))));
+        QCOMPARE(ReadBytes(target), QByteArray("gute Kopie")); // the good copy is left alone
+    }
+
+    void aMissingTargetKeepsItsLastGoodCopyUntilANewOneIsMade() {
+        WriteBytes(target + QStringLiteral(".ALT"), "letzte gute Kopie");
+        QFile::rename(source, source + QStringLiteral(".weg"));
+        BackupFile(dialogs, source, target, QString());
+        QCOMPARE(ReadBytes(target + QStringLiteral(".ALT")), QByteArray("letzte gute Kopie"));
+        QFile::rename(source + QStringLiteral(".weg"), source);
+        dialogs.Clear();
+        BackupFile(dialogs, source, target, QString());
+        QVERIFY(dialogs.boxes.isEmpty());
+        QCOMPARE(ReadBytes(target).size(), 1000);
+        QVERIFY(!QFile::exists(target + QStringLiteral(".ALT")));
     }
 
     void staleOldCopyIsReplaced() {

@@ -62,7 +62,7 @@ class TestCliScoring : public QObject {
         m.DataFolder = home->model.DataFolder;
         ScriptedDialogs d;
         LoadBezirkTable(m, d);
-        LoadLog(m, d, logPath);
+        if (LoadLog(m, d, logPath) != 1) QTest::qFail("the log does not load", __FILE__, __LINE__);
         RebuildTallies(m);
         return m;
     }

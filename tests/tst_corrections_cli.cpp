@@ -28,7 +28,8 @@ class TestCorrectionsCli : public QObject {
         Model m;
         m.SetLocale(AustrianLocale());
         ScriptedDialogs d;
-        LoadLog(m, d, f.home.model.LogFolder + QStringLiteral("test.KOLBO"));
+        if (LoadLog(m, d, f.home.model.LogFolder + QStringLiteral("test.KOLBO")) != 1)
+            QTest::qFail("the log does not load", __FILE__, __LINE__);
         return m;
     }
 

@@ -10,6 +10,7 @@
 #include "scoring/grid_karte.h"
 #include "scoring/map_paint.h"
 #include "scoring/statistik_window.h"
+#include "disk_support.h"
 #include "scoring_support.h"
 #include "setup/modal.h"
 
@@ -95,8 +96,6 @@ struct RefreshFixture : ScoringFixture {
                 if (!dbLog->Grid().CellText(r, c).isEmpty()) out << dbLog->Grid().CellText(r, c);
         return out.join(QLatin1Char(' '));
     }
-    // The blocker of the log's temporary file: the next rewrite fails until it is gone.
-    QString BlockPath() const { return home.model.LogFolder + QStringLiteral(".test.KOLBO.tmp"); }
 
     Statistik* statistik = nullptr;
     BZKarte* karte = nullptr;
@@ -215,14 +214,14 @@ private slots:
         RefreshFixture f;
         QVERIFY(f.StartWith(ThreeDistricts()));
         const QByteArray before = f.FileBytes();
-        QVERIFY(QDir().mkpath(f.BlockPath() + QStringLiteral("/x")));
+        auto block = std::make_unique<WriteBlock>(); // the next rewrite fails until it is lifted
         f.dialogs.AnswerMsgBox(Msg::Yes);
         f.dialogs.AnswerMsgBox(Msg::Cancel);
         f.Popup(f.RowOfCall(QStringLiteral("OE3BBB")), "MnVerstecktLoeschen");
         QVERIFY(f.dialogs.LastBox()->text.startsWith(QStringLiteral("FEHLER")));
         QCOMPARE(f.FileBytes(), before);
         QVERIFY(!f.window->FileUpToDate());
-        QVERIFY(QDir(f.BlockPath()).removeRecursively());
+        block.reset();
         f.window->close();
         QVERIFY(!f.FileBytes().contains("OE3BBB"));
         QCOMPARE(f.FileBytes(), ToCp1252(f.home.model.LogText));
@@ -231,7 +230,7 @@ private slots:
     void aCancelledFailedEditIsMadeGoodByTheNextContact() {
         RefreshFixture f;
         QVERIFY(f.StartWith(ThreeDistricts()));
-        QVERIFY(QDir().mkpath(f.BlockPath() + QStringLiteral("/x")));
+        auto block = std::make_unique<WriteBlock>(); // the next rewrite fails until it is lifted
         f.dialogs.AnswerMsgBox(Msg::Cancel);
         setup::PushModalDriver([](QDialog& d) {
             QTest::keyClicks(In<QLineEdit>(d, "Text8"), QStringLiteral("Portabel"));
@@ -241,7 +240,7 @@ private slots:
         QVERIFY(f.dialogs.LastBox()->text.startsWith(QStringLiteral("FEHLER")));
         QVERIFY(!f.FileBytes().contains("Portabel"));
         QVERIFY(!f.window->FileUpToDate());
-        QVERIFY(QDir(f.BlockPath()).removeRecursively());
+        block.reset();
         f.Type(QStringLiteral("OE5DDD"), 0, QStringLiteral("LI"));
         QCOMPARE(f.home.model.LogRecords.size(), size_t(4));
         QVERIFY(f.window->FileUpToDate());

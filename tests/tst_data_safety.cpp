@@ -55,7 +55,7 @@ struct EntryBench {
         LoadBezirkTable(home.model, dialogs);
         home.model.CurrentLogName = QStringLiteral("entry.KOLBO");
         BuildLogText(home.model, true, 2026);
-        WriteLogFile(home.model);
+        QCOMPARE(WriteLogFile(home.model), QString());
     }
     EntryFields Fields(const QString& call) const {
         EntryFields f;

@@ -22,7 +22,7 @@ struct Bench {
         LoadBezirkTable(home.model, dialogs);
         home.model.CurrentLogName = QStringLiteral("entry.KOLBO");
         BuildLogText(home.model, true, 2026);
-        WriteLogFile(home.model);
+        QCOMPARE(WriteLogFile(home.model), QString());
     }
     EntryFields Fields(const QString& call, int bandIndex = 1,
                        const QString& bezirk = QStringLiteral("WI")) const {

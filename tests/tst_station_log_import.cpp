@@ -154,6 +154,34 @@ private slots:
         QCOMPARE(e.m.CurrentLogName, QStringLiteral("A.KOLBO"));
     }
 
+    // A log that does not reach the trash is never overwritten by the new one: the flow
+    // stops with a German box and the name is not taken.
+    void aFailedMoveToTheTrashStopsTheNewLog() {
+        Env e;
+        e.Touch(QStringLiteral("A.KOLBO"));
+        // Neither the desktop's trash nor the backup folder can take the file.
+        const QString notAFolder = e.home.Path(QStringLiteral("keinOrdner"));
+        WriteBytes(notAFolder, "x");
+        qputenv("XDG_DATA_HOME", notAFolder.toLocal8Bit());
+        e.m.BackupFolder = notAFolder + QLatin1Char('/');
+        StationLog s(e.m, e.d, e.clock, {}, StationMode::NewLog);
+        s.show();
+        Get<QLineEdit>(s, "Text1")->setText(QStringLiteral("OE1ABC"));
+        e.d.AnswerInput(QStringLiteral("A"));
+        e.d.AnswerMsgBox(Msg::Yes);    // "Datei existiert bereits! Überschreiben?"
+        e.d.AnswerMsgBox(Msg::Cancel); // FEHLER
+        QTest::mouseClick(Get<QLabel>(s, "Label10"), Qt::LeftButton);
+        qputenv("XDG_DATA_HOME", e.home.Path(QStringLiteral("xdg")).toLocal8Bit());
+        QCOMPARE(e.d.boxes.size(), 3);
+        QVERIFY(e.d.boxes[1].text.startsWith(QStringLiteral("FEHLER")));
+        QVERIFY(e.d.boxes[2].text.contains(QStringLiteral("nicht in den Papierkorb verschoben")));
+        QCOMPARE(e.d.boxes[2].flags, 48);
+        QVERIFY(e.Exists(QStringLiteral("A.KOLBO")));
+        QCOMPARE(ReadBytes(e.m.LogFolder + QStringLiteral("A.KOLBO")), QByteArray("x"));
+        QVERIFY(Get<QLabel>(s, "Label10")->text() != QStringLiteral("A.KOLBO"));
+        QVERIFY(e.m.CurrentLogName != QStringLiteral("A.KOLBO"));
+    }
+
     void theLabelAndTheSmallButtonChooseTheName() {
         Env e;
         StationLog s(e.m, e.d, e.clock, {}, StationMode::NewLog);

@@ -8,6 +8,7 @@
 #   tools/dev.sh fuzz [s] [t...]  build the libFuzzer targets with clang, run each (or the
 #                           targets t) s seconds (60), one after the other
 #   tools/dev.sh crash [n]  kill the real program n times (200) while it logs; checks the files
+#   tools/dev.sh walk [n]   the random walk through the windows, n actions (2000)
 #   tools/dev.sh package    Release build in build-package/, then the .deb by CPack (checked by lintian)
 #   tools/dev.sh screenshots [dir]  the README's pictures of the windows (docs/screenshots)
 set -euo pipefail
@@ -113,6 +114,11 @@ case "${1:-run}" in
     build build
     KOLIBRINO_CRASH_KILLS=${2:-200} QT_QPA_PLATFORM=offscreen ./build/tests/tst_crash_injection
     ;;
+  walk)
+    install_missing
+    build build
+    KOLIBRINO_WALK_ACTIONS=${2:-2000} QT_QPA_PLATFORM=offscreen ./build/tests/tst_random_walk
+    ;;
   package)
     install_missing "${PACKAGE_PACKAGES[@]}"
     # Debian's hardening flags (stack protector, fortify, relro and bindnow); no -g, as
@@ -135,7 +141,7 @@ case "${1:-run}" in
     QT_QPA_PLATFORM=offscreen ./build/tools/screenshots "${2:-docs/screenshots}"
     ;;
   *)
-    echo "Aufruf: tools/dev.sh run|test|sanitize|bench|fuzz [Sekunden]|crash [Kills]|package|screenshots [Ordner]" >&2
+    echo "Aufruf: tools/dev.sh run|test|sanitize|bench|fuzz [Sekunden]|crash [Kills]|walk [Schritte]|package|screenshots [Ordner]" >&2
     exit 2
     ;;
 esac

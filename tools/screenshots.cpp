@@ -181,7 +181,7 @@ void WriteMorningLog(Model& base, const QString& name) {
         t = t.addSecs(25 + rng.bounded(60));
     }
     BuildLogText(m, true, kContestDay.year());
-    WriteLogFile(m);
+    if (!WriteLogFile(m).isEmpty()) std::abort();
 }
 
 bool Save(const QPixmap& picture, const QString& folder, const char* name) {

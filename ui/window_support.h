@@ -94,7 +94,7 @@ QPoint CompanionPlace(const QRect& mainFrame, const QRect& keep, const QSize& fr
 
 // RunTrapped() for windows: on Cancel every hourglass is taken back, as the trap's
 // Cancel leaves the event with the normal pointer.
-bool RunTrappedUi(Dialogs& dialogs, const std::function<QString()>& op);
+[[nodiscard]] bool RunTrappedUi(Dialogs& dialogs, const std::function<QString()>& op);
 
 // Settings flags are 0 or -1.
 inline int FlagValue(bool on) {
