@@ -42,6 +42,7 @@ HauptForm::HauptForm(Model& m, Dialogs& dialogs, const TimeSource& clock, QWidge
     for (QWidget* w : central->findChildren<QWidget*>())
         if (w->focusPolicy() != Qt::NoFocus) w->installEventFilter(this);
     SelectAllOnKeyboardFocus(this);
+    BuildAccess();
 
     timer1_.setInterval(kTimer1IntervalMs);
     timer2_.setInterval(kTimer2IntervalMs);
@@ -94,6 +95,7 @@ void HauptForm::DatenInGrid1Neu() {
 
 void HauptForm::RegisterCompanion(Companion id, QWidget* window) {
     companions_[size_t(id)] = window;
+    if (window) AnnounceCompanion(window);
 }
 
 QWidget* HauptForm::CompanionWindow(Companion id) const {
@@ -101,6 +103,7 @@ QWidget* HauptForm::CompanionWindow(Companion id) const {
 }
 
 bool HauptForm::eventFilter(QObject* watched, QEvent* event) {
+    if (CompanionShown(watched, event)) return QMainWindow::eventFilter(watched, event);
     switch (event->type()) {
     case QEvent::KeyPress: {
         auto* key = static_cast<QKeyEvent*>(event);
