@@ -201,6 +201,14 @@ void TestAccessibility::loggedContactIsSpokenAndNotShown() {
     QCOMPARE(f.Label13()->text(), QString()); // the message line shows nothing new
     Settle();
     QCOMPARE(DescriptionOf(f.Text(3)), QStringLiteral("Geloggt OE5ABC 80m CW BR"));
+    // And as the window's notification, which a reader speaks when it appears.
+    auto* ansage = f.window->findChild<QWidget*>(QStringLiteral("KolibrinoAnsage"));
+    QVERIFY(ansage);
+    QAccessibleInterface* notification = QAccessible::queryAccessibleInterface(ansage);
+    QCOMPARE(notification->role(), QAccessible::Notification);
+    QCOMPARE(notification->text(QAccessible::Name), QStringLiteral("Geloggt OE5ABC 80m CW BR"));
+    QVERIFY(ansage->isVisible());
+    QCOMPARE(ansage->size(), QSize(0, 0));
     IF_EVENTS(QVERIFY(Spoken().contains(QStringLiteral("Geloggt OE5ABC 80m CW BR"))));
 }
 

@@ -4,6 +4,8 @@
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QComboBox>
+#include <QEvent>
+#include <QFocusEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
@@ -48,12 +50,51 @@ QWidget* ReaderFocus(QWidget* context) {
     return w;
 }
 
-// Gives the carrier its own description back without an event (setting it sends
-// none): the reader is not to repeat a control's meaning each time a message goes.
+// Gives the carrier its own description back (the message has gone).
 void GiveBack() {
     SpokenState& s = State();
     if (s.carrier) s.carrier->setAccessibleDescription(OwnDescriptionOf(s.carrier));
     s.carrier = nullptr;
+}
+
+
+const char* const kAnsage = "KolibrinoAnsage";
+
+// When the focus leaves the control that carries a spoken text for another control,
+// the control gets its own description back; the reader no longer stands there. A
+// switch to another program or a menu is no such leave.
+class Keeper : public QObject {
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
+// Each window's announcer: an invisible notification whose appearance a reader speaks
+// at once (Orca presents a notification that becomes showing), its name the text.
+void Announce(QWidget* target, const QString& text) {
+    QWidget* window = target->window();
+    auto* ansage = window->findChild<QWidget*>(QString::fromLatin1(kAnsage), Qt::FindDirectChildrenOnly);
+    if (!ansage) {
+        // Named before it joins the window, so that the reader sees it as what it is.
+        ansage = new QWidget;
+        ansage->setObjectName(QString::fromLatin1(kAnsage));
+        ansage->setParent(window);
+        ansage->setAttribute(Qt::WA_TransparentForMouseEvents);
+        ansage->setFocusPolicy(Qt::NoFocus);
+        ansage->setGeometry(0, 0, 0, 0);
+    }
+    ansage->hide();
+    ansage->setAccessibleName(text);
+    ansage->show();
+}
+
+bool Keeper::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::FocusOut) return false;
+    auto* w = static_cast<QWidget*>(watched);
+    const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason) return false;
+    w->removeEventFilter(this);
+    if (w == State().carrier) GiveBack();
+    return false;
 }
 
 void Deliver() {
@@ -66,9 +107,14 @@ void Deliver() {
     if (!target) return;
     if (target != s.carrier) GiveBack();
     s.carrier = target;
-    // Setting the description tells nobody; the event does (the same text again, too).
     target->setAccessibleDescription(text);
     SendDescriptionChanged(target);
+    // Orca 43 over Qt 6.4 reads the description with the control's next presentation
+    // only (the bridge's change events carry no text), so the text also appears as a
+    // notification, which it speaks at once.
+    Announce(target, text);
+    static Keeper keeper;
+    target->installEventFilter(&keeper);
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
     QAccessibleAnnouncementEvent announcement(target, text);
     QAccessible::updateAccessibility(&announcement);
@@ -76,9 +122,12 @@ void Deliver() {
 }
 
 // Companion windows are plain widgets made windows; for the reader they are windows.
+// The announcer of a window is a notification.
 QAccessibleInterface* CompanionWindowFactory(const QString&, QObject* object) {
     auto* w = qobject_cast<QWidget*>(object);
-    if (!w || !w->isWindow()) return nullptr;
+    if (!w) return nullptr;
+    if (w->objectName() == QLatin1String(kAnsage)) return new QAccessibleWidget(w, QAccessible::Notification);
+    if (!w->isWindow()) return nullptr;
     if (w->metaObject()->superClass() != &QWidget::staticMetaObject) return nullptr;
     const Qt::WindowType type = w->windowType();
     if (type != Qt::Window && type != Qt::Tool) return nullptr;

@@ -117,8 +117,8 @@ class Session:
         self.procs.start(["/usr/bin/python3", "-c", LINE_BUFFERED_ORCA, shutil.which("orca"), "--debug",
                           "--debug-file", str(speech.path), "-u", str(prefs), "--disable=speech,braille"],
                          env=self.env, stdout=orca_log, stderr=subprocess.STDOUT)
-        wait_until("Orca ist bereit", lambda: "SPEECH OUTPUT" in (speech.path.read_text(errors="replace")
-                                                                    if speech.path.exists() else ""), 60)
+        wait_until("Orca ist bereit", lambda: "ORCA: Starting registry" in (
+            speech.path.read_text(errors="replace") if speech.path.exists() else ""), 60)
         speech.mark()
 
         # A log with a contact at 14:00 on 80 m SSB (OE3ABC), opened from the log manager.
@@ -166,7 +166,13 @@ class Session:
         log = (self.home / "Logs" / LOG_NAME).read_bytes().decode("cp1252")
         check("OE5ABC\xb680\xb6BR" in log, "der Kontakt steht nicht in der Logdatei")
 
-        # A dupe: OE3ABC was worked at 14:00 on 80 m SSB.
+        # A dupe: OE3ABC was worked at 14:00 on 80 m SSB. The clock runs again after a
+        # contact, so the time is set once more.
+        s.key("shift+Tab", "shift+Tab", "shift+Tab")
+        time.sleep(0.5)
+        s.type("1430")
+        s.key("space")
+        time.sleep(0.5)
         speech.mark()
         s.type("oe3abc")
         speech.wait_for("Dupe-Warnung", "Station bereits")
