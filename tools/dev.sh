@@ -22,6 +22,7 @@ PACKAGES=(
   poppler-utils lighttpd libcgi-pm-perl python3
   desktop-file-utils appstream
   xvfb xdotool imagemagick
+  orca at-spi2-core dbus-daemon
 )
 # Only for "fuzz": clang with its sanitizer and libFuzzer runtimes.
 FUZZ_PACKAGES=(clang libclang-rt-dev)

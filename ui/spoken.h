@@ -2,9 +2,12 @@
 // confirmations the program gives only by voice, values that change and windows that
 // open. A reader presents a change of the accessible description of the control that
 // has the focus, so each text becomes that control's description for as long as the
-// message stands (with the DescriptionChanged event), and, where Qt offers it, an
-// announcement event as well. A message line that is emptied gives the control its
-// own description back without a word.
+// message stands (with the DescriptionChanged event), as the name of the window's
+// invisible notification "KolibrinoAnsage", shown anew for each text (a reader speaks a
+// notification that appears; Qt 6.4's bridge sends description changes without their
+// text), and, where Qt offers it (6.8 on), as an announcement event. A message line
+// that is emptied, or a control the focus leaves, gives the control its own
+// description back without a word.
 //
 // Windows call ShowMessage()/ClearMessage() for their message line instead of setting
 // the label's text, Speak() for a text that has no place on screen. Every call shows
