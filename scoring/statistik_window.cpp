@@ -107,6 +107,15 @@ Statistik::Statistik(Model& m, Dialogs& dialogs, const TimeSource& clock, QActio
     tables->addWidget(Frame(QStringLiteral("Vormittag/Nachmittag QSOs"), grids_[4]), 4, 0, 1, 2);
     top->addLayout(labels);
     top->addLayout(tables, 1);
+    // Tab: the tables, the save button, then the figures, so that the button stays a
+    // few keys away from the tables.
+    QWidget::setTabOrder(grids_[4], command4_);
+    QWidget* previous = command4_;
+    for (const char* name : kLabelNames)
+        if (auto* l = findChild<QLabel*>(QString::fromLatin1(name))) {
+            QWidget::setTabOrder(previous, l);
+            previous = l;
+        }
     resize(820, 600);
 }
 
