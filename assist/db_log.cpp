@@ -67,6 +67,9 @@ QVariant PartialGridModel::data(const QModelIndex& index, int role) const {
     if (!e) return {};
     if (role == Qt::DisplayRole) return e->CellText();
     if (role == Qt::ForegroundRole) return Bgr(e->worked ? gear_ : nichtGear_);
+    // The colour's meaning in words, for the screen reader.
+    if (role == Qt::AccessibleDescriptionRole) return WorkedText(e->worked);
+    if (role == Qt::AccessibleTextRole) return e->CellText() + QStringLiteral(", ") + WorkedText(e->worked);
     return {};
 }
 
@@ -99,6 +102,7 @@ DBLog::DBLog(HauptForm& main, Model& m, Dialogs& dialogs, QAction* menuEntry, QW
     layout->setContentsMargins(0, 0, 0, 0);
     view_ = new QTableView(this);
     view_->setObjectName(QStringLiteral("MSFlexGrid1"));
+    view_->setAccessibleName(QStringLiteral("Teilrufzeichen"));
     view_->setModel(&grid_);
     view_->horizontalHeader()->hide(); // no fixed cells
     view_->verticalHeader()->hide();

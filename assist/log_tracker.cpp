@@ -37,7 +37,8 @@ LogTracker::LogTracker(HauptForm& main, Model& m, QAction* menuEntry, QWidget* p
     grid_->setVerticalHeaderLabels({QStringLiteral("40m"), QStringLiteral("80m"), QStringLiteral("30m")});
     grid_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     grid_->setSelectionMode(QAbstractItemView::NoSelection);
-    grid_->setFocusPolicy(Qt::NoFocus);
+    grid_->setFocusPolicy(Qt::TabFocus); // the keyboard reads the cells
+    grid_->setAccessibleName(QStringLiteral("Rufzeichen Check"));
     grid_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     grid_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     grid_->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
@@ -102,6 +103,7 @@ void LogTracker::Timer1Tick() {
     for (int r = 0; r < 3; ++r)
         for (int c = 0; c < 4; ++c)
             grid_->item(r, c)->setText(QString());
+    SpeakableCells();
     const LogGridView* view = main_.GridView();
     if (!view) return;
     const int row = view->currentIndex().isValid() ? view->currentIndex().row() : -1;
@@ -112,6 +114,24 @@ void LogTracker::Timer1Tick() {
     for (int r = 0; r < 3; ++r)
         for (int c = 0; c < 4; ++c)
             if (ticks[size_t(r)][size_t(c)]) grid_->item(r, c)->setText(QString(kTick));
+    SpeakableCells();
+}
+
+void LogTracker::SpeakableCells() {
+    // The tick in words, with the period the label above the column names.
+    static const char* const kBands[3] = {"40m", "80m", "30m"};
+    static const char* const kModes[4] = {"SSB", "CW", "SSB", "CW"};
+    for (int r = 0; r < 3; ++r)
+        for (int c = 0; c < 4; ++c) {
+            QTableWidgetItem* it = grid_->item(r, c);
+            const QString where = QStringLiteral("%1 %2 %3")
+                                      .arg(QLatin1String(kBands[r]), QLatin1String(kModes[c]),
+                                           c < 2 ? label1_->text() : label2_->text());
+            const QString state = it->text().isEmpty() ? QStringLiteral("nicht gearbeitet")
+                                                       : QStringLiteral("gearbeitet");
+            it->setData(Qt::AccessibleTextRole, where + QStringLiteral(": ") + state);
+            it->setData(Qt::AccessibleDescriptionRole, state);
+        }
 }
 
 void LogTracker::closeEvent(QCloseEvent* event) {

@@ -44,6 +44,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    // Each cell's tick in words for the screen reader.
+    void SpeakableCells();
     HauptForm& main_;
     Model& m_;
     QAction* menuEntry_;

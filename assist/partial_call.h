@@ -46,6 +46,11 @@ struct PartialEntry {
     QString CellText() const;
 };
 
+// What the colour of an entry says, in words: "gearbeitet" or "neu".
+inline QString WorkedText(bool worked) {
+    return worked ? QStringLiteral("gearbeitet") : QStringLiteral("neu");
+}
+
 // The text searched for: the call field trimmed and in capitals, a leading "OE"
 // dropped when more follows. Empty when there is nothing to search (one character,
 // or "OE" alone).

@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
+#include <QSortFilterProxyModel>
 
 namespace kolibrino {
 namespace {
@@ -18,9 +19,18 @@ namespace {
 const char* const kSampleText[kGridFirstHidden] = {"00.00.0000", "00:00", "80m", "Mode", "OE9XYZ/P", "RSTs",
                                                    "RSTe",       "BZ",    "QSL", "",     "OE0ABC",   "Dupe"};
 
+// The visible columns of the grid model.
+class VisibleColumns : public QSortFilterProxyModel {
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+
+protected:
+    bool filterAcceptsColumn(int column, const QModelIndex&) const override { return column < kGridFirstHidden; }
+};
+
 } // namespace
 
-LogGridView::LogGridView(QWidget* parent) : QTableView(parent) {
+LogGridView::LogGridView(QWidget* parent) : QTableView(parent), shown_(new VisibleColumns(this)) {
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -36,14 +46,40 @@ LogGridView::LogGridView(QWidget* parent) : QTableView(parent) {
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
 }
 
+void LogGridView::setModel(QAbstractItemModel* model) {
+    shown_->setSourceModel(model);
+    QTableView::setModel(model ? shown_ : nullptr);
+}
+
+QAbstractItemModel* LogGridView::sourceModel() const {
+    return shown_->sourceModel();
+}
+
+QModelIndex LogGridView::Shown(const QModelIndex& index) const {
+    if (index.isValid() && index.model() == shown_->sourceModel()) return shown_->mapFromSource(index);
+    return index;
+}
+
+void LogGridView::setCurrentIndex(const QModelIndex& index) {
+    QTableView::setCurrentIndex(Shown(index));
+}
+
+QRect LogGridView::visualRect(const QModelIndex& index) const {
+    return QTableView::visualRect(Shown(index));
+}
+
+void LogGridView::scrollTo(const QModelIndex& index, ScrollHint hint) {
+    QTableView::scrollTo(Shown(index), hint);
+}
+
+bool LogGridView::isColumnHidden(int column) const {
+    return column >= kGridFirstHidden || QTableView::isColumnHidden(column);
+}
+
 void LogGridView::SetGrid1() {
     const QFontMetrics fm(font());
     const QFontMetrics hm(horizontalHeader()->font());
-    for (int c = 0; c < kGridColumns; ++c) {
-        if (c >= kGridFirstHidden) {
-            setColumnHidden(c, true);
-            continue;
-        }
+    for (int c = 0; c < kGridFirstHidden; ++c) {
         setColumnHidden(c, false);
         const int design = TwipsToPixels(LogGridModel::WidthTwips(c));
         const int heading = hm.horizontalAdvance(LogGridModel::Heading(c)) + 16;
@@ -72,6 +108,13 @@ void LogGridView::KeepLastRowInView() {
 void LogGridView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     KeepLastRowInView();
+}
+
+void LogGridView::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+    if (hasFocus())
+        QTableView::currentChanged(current, previous);
+    else
+        QAbstractItemView::currentChanged(current, previous); // without the focus event of the cell
 }
 
 void LogGridView::mousePressEvent(QMouseEvent* event) {

@@ -9,12 +9,27 @@
 
 #include <QTableView>
 
+class QSortFilterProxyModel;
+
 namespace kolibrino {
 
+// The grid's model as the view shows it: the visible columns only. The working
+// columns stay in the model for the program, but out of the view and so out of the
+// screen reader's table.
 class LogGridView : public QTableView {
     Q_OBJECT
 public:
     explicit LogGridView(QWidget* parent = nullptr);
+
+    // The view stands over the model given (the grid model, with its working columns);
+    // model() is what the view shows. Indexes of either model are taken.
+    void setModel(QAbstractItemModel* model) override;
+    QAbstractItemModel* sourceModel() const;
+    void setCurrentIndex(const QModelIndex& index);
+    QRect visualRect(const QModelIndex& index) const override;
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+    // The working columns count as hidden columns of the grid.
+    bool isColumnHidden(int column) const;
 
     // Widths (twips, at least wide enough for the heading and a typical cell),
     // hidden columns 12 to 16, cell (0,0) current when there are rows.
@@ -34,15 +49,20 @@ signals:
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
-    // The context-menu key as the window system reports it.
+    // The menu key (or Shift+F10) on a row asks for the pop-up menu as the right button does.
     void contextMenuEvent(QContextMenuEvent* event) override;
     // A grid that changes its height keeps its last row in view.
     void resizeEvent(QResizeEvent* event) override;
+    // A new current row while the operator types elsewhere tells the screen reader
+    // nothing: the focus stays with the field that has it.
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
 private:
     // The selected data row, -1 when none.
     int SelectedRow() const;
     void PopupAtSelectedRow();
+    QModelIndex Shown(const QModelIndex& index) const;
+    QSortFilterProxyModel* shown_;
 };
 
 } // namespace kolibrino

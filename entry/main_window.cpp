@@ -43,6 +43,7 @@ HauptForm::HauptForm(Model& m, Dialogs& dialogs, const TimeSource& clock, QWidge
     for (QWidget* w : central->findChildren<QWidget*>())
         if (w->focusPolicy() != Qt::NoFocus) w->installEventFilter(this);
     SelectAllOnKeyboardFocus(this);
+    BuildAccess();
 
     timer1_.setInterval(kTimer1IntervalMs);
     timer2_.setInterval(kTimer2IntervalMs);
@@ -106,6 +107,7 @@ void HauptForm::RegisterCompanion(Companion id, QWidget* window) {
     companions_[size_t(id)] = window;
     // Placed on its first showing, once its Load has read what is stored.
     if (window) window->installEventFilter(this);
+    if (window) AnnounceCompanion(window);
 }
 
 QRect HauptForm::EntryLineRect() {
@@ -142,6 +144,7 @@ bool HauptForm::eventFilter(QObject* watched, QEvent* event) {
         for (const CompanionDef& c : Companions())
             if (QWidget* w = CompanionWindow(c.id); w && w == watched) PlaceCompanion(c.id, w);
     }
+    if (CompanionShown(watched, event)) return QMainWindow::eventFilter(watched, event);
     switch (event->type()) {
     case QEvent::KeyPress: {
         auto* key = static_cast<QKeyEvent*>(event);

@@ -211,6 +211,14 @@ private:
     void GridRowChanged(int row);
     void GridPopup(int row, const QPoint& globalPos);
     void RememberPopupRow(int row) { popupRow_ = row; }
+    // The screen reader and the keyboard alone (main_window_access.cpp).
+    void BuildAccess();
+    void FocusLogGrid();
+    void BringUpCompanion(Companion id, const QString& caption);
+    void AnnounceCompanion(QWidget* window);
+    bool CompanionShown(QObject* watched, QEvent* event);
+    void ShowDupeState();
+    void SpeakValue(const QString& caption, const QComboBox* box);
 
     Model& m_;
     Dialogs& dialogs_;

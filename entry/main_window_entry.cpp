@@ -5,6 +5,8 @@
 #include "entry/main_window.h"
 #include "ui/back_colour.h"
 #include "ui/combo_max_length.h"
+#include "entry/spoken_texts.h"
+#include "ui/spoken.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -261,11 +263,12 @@ void HauptForm::Uebernehmen() {
     if (m_.Open.BZKarte) calls.fuellen = bzKarteFuellen;
     if (m_.Open.GridKarte) calls.gridCellColor = gridKarteCellColor;
     if (m_.Open.Frequenz) calls.frequency = frequenzOf;
-    const EntryResult result = TakeEntry(m_, dialogs_, grid_, ReadEntryFields(), calls, &fileBytes_);
+    const EntryFields fields = ReadEntryFields();
+    const EntryResult result = TakeEntry(m_, dialogs_, grid_, fields, calls, &fileBytes_);
     if (result.bezirk) combo5_->setEditText(*result.bezirk);
     if (result.outcome != EntryResult::Logged) {
         if (result.outcome == EntryResult::CheckFailed && result.failure.boxFlags < 0)
-            label13_->setText(result.failure.message);
+            ShowMessage(label13_, result.failure.message);
         FocusField(result.failure.focus);
         return;
     }
@@ -278,6 +281,7 @@ void HauptForm::Uebernehmen() {
         BackupFile(dialogs_, m_.LogFolder + m_.CurrentLogName, m_.ExtraBackupPath + m_.CurrentLogName,
                    m_.ExtraBackupPath);
     ResetEntry();
+    Speak(text3_, LoggedText(m_.LogRecords[result.recordIndex]));
     Reminders.ContactLogged();
     if (gridView_->currentIndex().row() == grid_.DataRows() - 1 && m_.Open.LogTracker)
         emit trackerRefreshRequested();

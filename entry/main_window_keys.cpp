@@ -9,6 +9,7 @@
 #include "ui/combo_max_length.h"
 #include "ui/field_gate.h"
 #include "ui/keyboard_focus.h"
+#include "ui/spoken.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -224,13 +225,13 @@ void HauptForm::ApplyCallCheck(const CallCheck& check) {
     if (check.found) combo5_->setEditText(check.bezirk);
     if (!check.isDupe) return;
     label10_->hide();
-    label13_->setText(check.warning);
+    ShowMessage(label13_, check.warning);
     ShowDupeButton();
 }
 
 void HauptForm::Text3Change() {
     label10_->hide();
-    label13_->clear();
+    ClearMessage(label13_);
     const int rows = (m_.Open.DBLog && dbLogRows) ? dbLogRows() : 0;
     const CallChangeResult r =
         CallChange(m_, text3_->text(), BandOfText(combo1_->currentText()), combo2_->currentText(),
@@ -307,6 +308,7 @@ void HauptForm::Combo6Enter() {
     const QStringList calls = OperatorEnter(Operators(), combo6_->currentText());
     SetOperators(calls);
     StoreOperators(calls);
+    SpeakValue(QStringLiteral("Operator"), combo6_);
 }
 
 void HauptForm::Combo6Click(int index) {
@@ -319,6 +321,7 @@ void HauptForm::Combo6Click(int index) {
 void HauptForm::PaintDupeButton() {
     dupCommand1_->setEnabled(dupe_.enabled);
     SetBackColour(dupCommand1_, dupe_.backColour);
+    ShowDupeState();
 }
 
 void HauptForm::ShowDupeButton() {

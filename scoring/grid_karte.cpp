@@ -24,14 +24,28 @@ namespace {
 
 constexpr int kGridBack = 0xFFFFFF;
 
-QTableWidget* MakeGrid(const char* name, int rows, int columns) {
+// What a cell's colour says, for the screen reader (the colour rule in words).
+QString WorkedOn(int c40, int c80) {
+    if (c40 > 0 && c80 > 0) return QStringLiteral("gearbeitet auf 40m und 80m");
+    if (c40 > 0) return QStringLiteral("gearbeitet auf 40m");
+    if (c80 > 0) return QStringLiteral("gearbeitet auf 80m");
+    return QStringLiteral("nicht gearbeitet");
+}
+
+void SetMeaning(QTableWidgetItem* it, const QString& meaning) {
+    it->setData(Qt::AccessibleDescriptionRole, meaning);
+    it->setData(Qt::AccessibleTextRole, it->text().isEmpty() ? QString() : it->text() + QStringLiteral(", ") + meaning);
+}
+
+QTableWidget* MakeGrid(const char* name, const QString& accessibleName, int rows, int columns) {
     auto* g = new QTableWidget(rows, columns);
     g->setObjectName(QString::fromLatin1(name));
+    g->setAccessibleName(accessibleName);
     g->horizontalHeader()->hide();
     g->verticalHeader()->hide();
     g->setEditTriggers(QAbstractItemView::NoEditTriggers);
     g->setSelectionMode(QAbstractItemView::NoSelection);
-    g->setFocusPolicy(Qt::NoFocus);
+    g->setFocusPolicy(Qt::TabFocus); // the keyboard reads the cells
     g->horizontalHeader()->setDefaultSectionSize(42);
     g->verticalHeader()->setDefaultSectionSize(20);
     g->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -60,9 +74,9 @@ GridKarte::GridKarte(Model& m, Dialogs& dialogs, QAction* menuEntry, QWidget* pa
     connect(&timer1_, &QTimer::timeout, this, &GridKarte::Timer1Tick);
 
     const int districts = int(m_.BezirkRecords.size()) - 1;
-    grid1_ = MakeGrid("MSFlexGrid1", std::max(1, (std::max(0, districts) + 9) / 10), 10);
-    grid2_ = MakeGrid("MSFlexGrid2", 1, 9);
-    grid3_ = MakeGrid("MSFlexGrid3", 1, 9);
+    grid1_ = MakeGrid("MSFlexGrid1", QStringLiteral("Bezirke"), std::max(1, (std::max(0, districts) + 9) / 10), 10);
+    grid2_ = MakeGrid("MSFlexGrid2", QStringLiteral("Bundesländer"), 1, 9);
+    grid3_ = MakeGrid("MSFlexGrid3", QStringLiteral("Gearbeitet Staatsfunkstellenprefix"), 1, 9);
     grid1_->viewport()->installEventFilter(this);
     grid1_->viewport()->setMouseTracking(true);
 
@@ -76,10 +90,15 @@ GridKarte::GridKarte(Model& m, Dialogs& dialogs, QAction* menuEntry, QWidget* pa
     AddColourButtons(buttons_, row, this, [this](int i) { CommandClick(i); });
     layout->addLayout(row);
 
-    for (int n = 1; n <= districts; ++n)
-        grid1_->item((n - 1) / 10, (n - 1) % 10)->setText(m_.BezirkRecords[size_t(n)].Code);
-    for (int k = 1; k <= 9; ++k)
+    for (int n = 1; n <= districts; ++n) {
+        QTableWidgetItem* it = grid1_->item((n - 1) / 10, (n - 1) % 10);
+        it->setText(m_.BezirkRecords[size_t(n)].Code);
+        SetMeaning(it, WorkedOn(0, 0));
+    }
+    for (int k = 1; k <= 9; ++k) {
         grid2_->item(0, k - 1)->setText(QStringLiteral("OE%1").arg(k));
+        SetMeaning(grid2_->item(0, k - 1), WorkedOn(0, 0));
+    }
 }
 
 void GridKarte::Load() {
@@ -110,7 +129,9 @@ void GridKarte::ColourCell(QTableWidget* grid, int row, int column, int c40, int
         colour = ButtonColour(1);
     else if (c40 > 0 && c80 > 0)
         colour = ButtonColour(2);
-    if (colour >= 0) it->setBackground(QColor(BgrToRgb(colour)));
+    if (colour < 0) return;
+    it->setBackground(QColor(BgrToRgb(colour)));
+    SetMeaning(it, WorkedOn(c40, c80));
 }
 
 void GridKarte::GridCellColor(const QString& code, int state, const QString& prefix) {
@@ -130,6 +151,7 @@ void GridKarte::GridCellColor(const QString& code, int state, const QString& pre
             if (it->text().isEmpty()) {
                 it->setText(prefix);
                 it->setBackground(QColor(BgrToRgb(ButtonColour(1))));
+                SetMeaning(it, QStringLiteral("gearbeitet"));
                 break;
             }
         }
@@ -140,17 +162,22 @@ void GridKarte::Timer1Tick() {
     const QColor back(BgrToRgb(kGridBack));
     for (size_t n = 1; n < m_.BezirkRecords.size(); ++n) {
         const BezirkRecord& b = m_.BezirkRecords[n];
-        if (QTableWidgetItem* it = grid1_->item(int(n - 1) / 10, int(n - 1) % 10)) it->setBackground(back);
+        if (QTableWidgetItem* it = grid1_->item(int(n - 1) / 10, int(n - 1) % 10)) {
+            it->setBackground(back);
+            SetMeaning(it, WorkedOn(0, 0));
+        }
         if (b.Anz40 > 0 || b.Anz80 > 0) GridCellColor(b.Code, 1, QString());
     }
     for (int c = 0; c < 9; ++c) {
         grid2_->item(0, c)->setBackground(back);
+        SetMeaning(grid2_->item(0, c), WorkedOn(0, 0));
         const auto& g = m_.GruppeBandCount[size_t(c)];
         ColourCell(grid2_, 0, c, g[0], g[1]);
     }
     for (int c = 0; c < 9; ++c) {
         grid3_->item(0, c)->setBackground(back);
         grid3_->item(0, c)->setText(QString());
+        SetMeaning(grid3_->item(0, c), QString());
     }
     for (const StaatsfunkRecord& s : m_.StaatsfunkRecords)
         GridCellColor(QString(), 0, s.Prefix);

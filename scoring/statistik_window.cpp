@@ -29,6 +29,10 @@ const char* const kLabelNames[19] = {"Label6",  "Label7",  "Label8",  "Label9", 
                                      "Label3",  "Label11", "Label21", "Label20", "Label1",
                                      "Label15", "Label23", "Label16", "Label18"};
 
+QString ValueName(const QString& caption, const QString& value) {
+    return caption + QStringLiteral(": ") + value;
+}
+
 QTableWidget* MakeGrid(const char* name, const QStringList& header) {
     auto* g = new QTableWidget(0, int(header.size()));
     g->setObjectName(QString::fromLatin1(name));
@@ -45,6 +49,7 @@ QTableWidget* MakeGrid(const char* name, const QStringList& header) {
 }
 
 QGroupBox* Frame(const QString& title, QWidget* inner) {
+    inner->setAccessibleName(title); // the reader names the table by its frame
     auto* f = new QGroupBox(title);
     auto* l = new QVBoxLayout(f);
     l->setContentsMargins(2, 2, 2, 2);
@@ -75,6 +80,10 @@ Statistik::Statistik(Model& m, Dialogs& dialogs, const TimeSource& clock, QActio
         v->setMinimumWidth(60);
         v->setFrameShape(QFrame::Panel);
         v->setFrameShadow(QFrame::Sunken);
+        // The keyboard reaches each figure, and the reader says it with its caption.
+        c->setBuddy(v);
+        v->setFocusPolicy(Qt::TabFocus);
+        v->setAccessibleName(ValueName(caption, value));
         labels->addWidget(c, row, 0);
         labels->addWidget(v, row, 1);
         ++row;
@@ -99,6 +108,15 @@ Statistik::Statistik(Model& m, Dialogs& dialogs, const TimeSource& clock, QActio
     tables->addWidget(Frame(QStringLiteral("Vormittag/Nachmittag QSOs"), grids_[4]), 4, 0, 1, 2);
     top->addLayout(labels);
     top->addLayout(tables, 1);
+    // Tab: the tables, the save button, then the figures, so that the button stays a
+    // few keys away from the tables.
+    QWidget::setTabOrder(grids_[4], command4_);
+    QWidget* previous = command4_;
+    for (const char* name : kLabelNames)
+        if (auto* l = findChild<QLabel*>(QString::fromLatin1(name))) {
+            QWidget::setTabOrder(previous, l);
+            previous = l;
+        }
     resize(820, 600);
 }
 
@@ -165,7 +183,10 @@ void Statistik::Timer1Tick() {
     shown_ = ComputeScore(m_);
     const auto labels = ScoreLabels(shown_);
     for (size_t i = 0; i < labels.size(); ++i)
-        if (auto* l = findChild<QLabel*>(QString::fromLatin1(kLabelNames[i]))) l->setText(labels[i].second);
+        if (auto* l = findChild<QLabel*>(QString::fromLatin1(kLabelNames[i]))) {
+            l->setText(labels[i].second);
+            l->setAccessibleName(ValueName(labels[i].first, labels[i].second));
+        }
     const std::vector<int> bands = {colours_[0], colours_[1], colours_[2]};
     FillGrid(grids_[0], shown_.prefixes, {colours_[1], colours_[2]});
     FillGrid(grids_[1], shown_.districts, bands);

@@ -56,6 +56,7 @@ private slots:
             QStringLiteral("17 Server und Adressen"),
             QStringLiteral("18 Drucken"),
             QStringLiteral("19 QSO-Rate und fehlende Multiplikatoren"),
+            QStringLiteral("20 Mit Bildschirmleser (Orca)"),
         };
         for (const QString& c : chapters)
             QVERIFY2(text.contains(c), qPrintable(c));

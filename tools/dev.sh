@@ -24,6 +24,7 @@ PACKAGES=(
   desktop-file-utils appstream
   xvfb xdotool imagemagick
   cups cups-client cups-bsd
+  orca at-spi2-core dbus-daemon
 )
 # Only for "fuzz": clang with its sanitizer and libFuzzer runtimes.
 FUZZ_PACKAGES=(clang libclang-rt-dev)

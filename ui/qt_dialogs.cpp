@@ -75,11 +75,28 @@ QString GermanText(QMessageBox::StandardButton b) {
     }
 }
 
+QString TopicOf(int flags) {
+    switch (Msg::Icon(flags)) {
+    case Msg::Critical:
+        return QStringLiteral("Fehler");
+    case Msg::Question:
+        return QStringLiteral("Frage");
+    case Msg::Exclamation:
+        return QStringLiteral("Warnung");
+    case Msg::Information:
+        return QStringLiteral("Hinweis");
+    default:
+        return QStringLiteral("Meldung");
+    }
+}
+
 } // namespace
 
 int QtDialogs::MsgBox(const QString& text, int flags, const QString& title) {
     QMessageBox box(parent_);
     box.setWindowTitle(title.isEmpty() ? ProgramTitle() : title);
+    // The reader names the box by what it is about; the title on screen stays.
+    box.setAccessibleName(box.windowTitle() + QStringLiteral(" – ") + TopicOf(flags));
     QString shown = text;
     shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     box.setText(shown);
