@@ -97,7 +97,7 @@ class TestRate : public QObject {
         m.DataFolder = home->model.DataFolder;
         ScriptedDialogs d;
         LoadBezirkTable(m, d);
-        LoadLog(m, d, logPath);
+        if (LoadLog(m, d, logPath) != 1) qWarning("tst_rate: the log did not load again");
         RebuildTallies(m);
         return m;
     }
