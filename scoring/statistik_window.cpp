@@ -117,6 +117,9 @@ Statistik::Statistik(Model& m, Dialogs& dialogs, const TimeSource& clock, QActio
             QWidget::setTabOrder(previous, l);
             previous = l;
         }
+    // The save button has the focus when the window is first activated, as before the
+    // tables were reachable: a click into the window and Space save the result.
+    command4_->setFocus(Qt::OtherFocusReason);
     resize(820, 600);
 }
 

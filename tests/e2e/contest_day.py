@@ -372,6 +372,10 @@ class Day:
         freq = self.new_window("^Frequenzen/B.+nder$")
         self.main_has_focus("Frequenzfenster offen")
         self.freq_window = freq
+        # Opening the window tunes the rig to the main window's band (40m, its default
+        # frequency); only then does the operator tune it.
+        wait_until("das Öffnen stimmt den Transceiver auf das Band ab",
+                   lambda: rig_command(self.rig_port, "f").splitlines()[0] == "7000000", 20)
         # The operator tunes the rig into the band: the window follows it.
         self.tune_rig(7012000, 40)
         s.shot(freq, "Frequenzfenster")
