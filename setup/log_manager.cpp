@@ -2,6 +2,7 @@
 
 #include "core/atomic_file.h"
 #include "core/error_trap.h"
+#include "core/log_lock.h"
 #include "core/paths.h"
 #include "core/settings.h"
 #include "core/trash.h"
@@ -29,6 +30,15 @@ QString RemoveError(const QString& path) {
     const QString backupFolder =
         QFileInfo(path).absoluteDir().absoluteFilePath(QStringLiteral("../Sicherung"));
     return MoveToTrash(path, QDir::cleanPath(backupFolder));
+}
+
+// Whether another program holds the log at path for writing; the box names it.
+bool HeldElsewhere(Dialogs& dialogs, const QString& path, const LogLock* own) {
+    if (own && own->Covers(path)) return false;
+    QString why;
+    if (!LockedByOther(path, &why)) return false;
+    dialogs.MsgBox(why + kNotPossible, Msg::Exclamation);
+    return true;
 }
 
 } // namespace
@@ -78,11 +88,13 @@ QString RenamedFileName(const QString& trimmedName) {
     return trimmedName;
 }
 
-int RenameLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QStringList& selected) {
+int RenameLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QStringList& selected,
+               const LogLock* own) {
     if (listCount <= 0) return 0;
     const QString folder = WithSlash(logFolder);
     int renamed = 0;
     for (const QString& old : selected) {
+        if (HeldElsewhere(dialogs, folder + old, own)) return renamed;
         const auto answer = dialogs.InputBox(QStringLiteral("Namen für das Log eingeben/ändern"),
                                              QStringLiteral("Dateiname"), old);
         if (!answer) return renamed;
@@ -112,7 +124,8 @@ int RenameLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const 
     return renamed;
 }
 
-int DeleteLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QStringList& selected) {
+int DeleteLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QStringList& selected,
+               const LogLock* own) {
     if (listCount <= 0) return 0;
     const QString folder = WithSlash(logFolder);
     int deleted = 0;
@@ -125,6 +138,7 @@ int DeleteLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const 
             dialogs.Beep();
             continue;
         }
+        if (HeldElsewhere(dialogs, folder + name, own)) break;
         if (!RunTrapped(dialogs, [&] { return RemoveError(folder + name); })) break;
         ++deleted;
     }
@@ -148,7 +162,8 @@ int CopyLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QS
                                                   Msg::YesNoCancel | Msg::Information);
                 if (answer == Msg::Cancel) break;
                 if (answer != Msg::Yes) continue;
-                QFile::remove(dest);
+                // The atomic write below replaces the old file; until it has, the old
+                // one stays whole.
             }
             bool ok = false;
             const QByteArray bytes = ReadWholeFile(folder + name, &ok);

@@ -38,9 +38,14 @@ QString RenamedFileName(const QString& trimmedName);
 
 // Rename (Command1): asks for each selected name, top down. listCount is the number of
 // rows in the list; with none, nothing happens. Returns the number of files renamed.
-int RenameLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QStringList& selected);
+// A log that another program holds for writing (core/log_lock.h) is neither renamed nor
+// deleted: the box (48) names the holder and the walk stops. own is the lock this
+// program holds, if any: its own current log may be renamed or deleted as before.
+int RenameLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QStringList& selected,
+               const LogLock* own = nullptr);
 // Delete (Command2): asks Yes/No/Cancel for each selected name. Returns the count deleted.
-int DeleteLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QStringList& selected);
+int DeleteLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QStringList& selected,
+               const LogLock* own = nullptr);
 // Copy (Command3): asks for a folder, then copies each selected name there, asking
 // before it overwrites. Returns the count copied, -1 when nothing was asked.
 int CopyLogs(Dialogs& dialogs, const QString& logFolder, int listCount, const QStringList& selected);

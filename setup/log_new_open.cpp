@@ -168,13 +168,13 @@ void LogNewOpen::RefreshList() {
 
 void LogNewOpen::Rename() {
     if (file1_->count() == 0) return;
-    RenameLogs(dialogs_, m_.LogFolder, file1_->count(), SelectedNames());
+    RenameLogs(dialogs_, m_.LogFolder, file1_->count(), SelectedNames(), m_.WriteLock.operator->());
     RefreshList();
 }
 
 void LogNewOpen::Delete() {
     if (file1_->count() == 0) return;
-    DeleteLogs(dialogs_, m_.LogFolder, file1_->count(), SelectedNames());
+    DeleteLogs(dialogs_, m_.LogFolder, file1_->count(), SelectedNames(), m_.WriteLock.operator->());
     RefreshList();
 }
 

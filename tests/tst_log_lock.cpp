@@ -4,6 +4,7 @@
 #include "core/atomic_file.h"
 #include "core/log_file.h"
 #include "core/log_lock.h"
+#include "setup/log_manager.h"
 #include "setup/log_switch.h"
 #include "setup/main_window_setup.h"
 #include "tst_main_window_support.h"
@@ -127,6 +128,31 @@ private slots:
                                    .arg(::getpid())));
         QVERIFY(LockedByOther(log));
         QVERIFY(!LockedByOther(home.model.LogFolder + QStringLiteral("b.KOLBO")));
+    }
+
+    void theLogManagerNeitherDeletesNorRenamesALogAnotherProgramHolds() {
+        Home home;
+        const QString log = home.model.LogFolder + QStringLiteral("held.KOLBO");
+        WriteBytes(log, "inhalt");
+        QString error;
+        const std::shared_ptr<LogLock> holder = LogLock::Take(log, &error); // the other program
+        QVERIFY(holder);
+        ScriptedDialogs d;
+        d.AnswerMsgBox(Msg::Yes);
+        QCOMPARE(setup::DeleteLogs(d, home.model.LogFolder, 1, {QStringLiteral("held.KOLBO")}), 0);
+        QVERIFY(d.LastBox());
+        QVERIFY2(d.LastBox()->text.contains(QStringLiteral("ist gesperrt")), qPrintable(d.LastBox()->text));
+        QCOMPARE(ReadBytes(log), QByteArray("inhalt"));
+        d.AnswerInput(QStringLiteral("neu"));
+        QCOMPARE(setup::RenameLogs(d, home.model.LogFolder, 1, {QStringLiteral("held.KOLBO")}), 0);
+        QVERIFY(d.LastBox()->text.contains(QStringLiteral("ist gesperrt")));
+        QCOMPARE(ReadBytes(log), QByteArray("inhalt"));
+        QVERIFY(!QFile::exists(home.model.LogFolder + QStringLiteral("neu.KOLBO")));
+        // The log this program holds itself may still be deleted, as before.
+        ScriptedDialogs own;
+        own.AnswerMsgBox(Msg::Yes);
+        QCOMPARE(setup::DeleteLogs(own, home.model.LogFolder, 1, {QStringLiteral("held.KOLBO")}, holder.get()), 1);
+        QVERIFY(!QFile::exists(log));
     }
 
     void theLockGoesWithItsHolder() {
