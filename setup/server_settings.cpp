@@ -116,7 +116,7 @@ QString TestUpdateServer(const QString& server, const QString& path, const QStri
     const QString file = QDir(tmpFolder).filePath(QStringLiteral("KOLBOUpd.test"));
     const QUrl list = s->FileUrl(QStringLiteral("KOLBOUpd.txt"));
     const QString got = t.Download(list, file, upkeep::TransportTimeouts{3000, 10000});
-    QFile::remove(file);
+    QFile::remove(file); // the test copy in Tmp/ only; a leftover is replaced by the next test
     if (!got.isEmpty())
         return QStringLiteral("Die Update-Liste %1 kann nicht geladen werden.\n%2").arg(list.toString(), got);
     return {};

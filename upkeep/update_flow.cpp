@@ -256,7 +256,7 @@ InstallResult InstallUpdates(Model& m, Dialogs& d, UpdateTransport& t, const Upd
             r.failures << name + QStringLiteral(": ") + copyError;
             continue;
         }
-        QFile::remove(tmp);
+        QFile::remove(tmp); // the download in Tmp/; the file is in place already, a leftover is harmless
         NoteInstalledVersion(m.IniPath, name, e.Version);
         ForgetShippedCopy(m, QFileInfo(target).fileName());
         r.installedNames << name;
