@@ -31,20 +31,9 @@ int RecordOfRow(const LogGridModel& grid, int row) {
 
 // The text gate on the window's text fields: the first refusal, or nullopt.
 std::optional<EditFailure> GateEdit(const EditFields& f) {
-    const std::pair<TextField, std::pair<const QString*, EditFocus>> fields[] = {
-        {TextField::Call, {&f.call, EditFocus::Text3}},
-        {TextField::RstGesendet, {&f.rstGesendet, EditFocus::Text4}},
-        {TextField::RstEmpfangen, {&f.rstEmpfangen, EditFocus::Text5}},
-        {TextField::Mode, {&f.mode, EditFocus::Combo2}},
-        {TextField::Bezirk, {&f.bezirk, EditFocus::Combo5}},
-        {TextField::Bemerkung, {&f.notiz, EditFocus::Text8}},
-        {TextField::Operator, {&f.opCall, EditFocus::Combo6}},
-    };
-    for (const auto& [field, what] : fields) {
-        if (const QString problem = FieldTextProblem(field, *what.first); !problem.isEmpty())
-            return Fail(0, problem, Msg::Exclamation, what.second);
-    }
-    return std::nullopt;
+    const auto refused = FirstRefusedContactField<EditFields, EditFocus>(f);
+    if (!refused) return std::nullopt;
+    return Fail(0, refused->second, Msg::Exclamation, refused->first);
 }
 
 } // namespace

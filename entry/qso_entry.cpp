@@ -23,20 +23,9 @@ int BandNumber(const QString& bandText) {
 } // namespace
 
 std::optional<CheckFailure> GateEntry(const EntryFields& f) {
-    const std::pair<TextField, std::pair<const QString*, EntryFocus>> fields[] = {
-        {TextField::Call, {&f.call, EntryFocus::Text3}},
-        {TextField::RstGesendet, {&f.rstGesendet, EntryFocus::Text4}},
-        {TextField::RstEmpfangen, {&f.rstEmpfangen, EntryFocus::Text5}},
-        {TextField::Mode, {&f.mode, EntryFocus::Combo2}},
-        {TextField::Bezirk, {&f.bezirk, EntryFocus::Combo5}},
-        {TextField::Bemerkung, {&f.notiz, EntryFocus::Text8}},
-        {TextField::Operator, {&f.opCall, EntryFocus::Combo6}},
-    };
-    for (const auto& [field, what] : fields) {
-        if (const QString problem = FieldTextProblem(field, *what.first); !problem.isEmpty())
-            return Fail(0, problem, what.second, Msg::Exclamation);
-    }
-    return std::nullopt;
+    const auto refused = FirstRefusedContactField<EntryFields, EntryFocus>(f);
+    if (!refused) return std::nullopt;
+    return Fail(0, refused->second, refused->first, Msg::Exclamation);
 }
 
 EntryFields GatedEntryFields(const EntryFields& typed) {

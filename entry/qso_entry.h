@@ -15,11 +15,13 @@
 
 #include "core/dialogs.h"
 #include "core/log_model.h"
+#include "core/storable_text.h"
 #include "entry/log_grid_model.h"
 
 #include <QString>
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace kolibrino {
 
@@ -66,8 +68,29 @@ inline const QString kMsgDatum = QStringLiteral("Datum Ungültige");
 inline const QString kMsgDupeFrage = QStringLiteral("Soll das QSO als DUPE geloggt werden?");
 inline constexpr int kDupeFrageFlags = Msg::YesNo | Msg::Question | Msg::DefaultButton2; // 292
 
-// The text gate on the entry's text fields (call, reports, district, note, operator):
-// the first refusal, its box not yet shown; nullopt when every field may be stored.
+// The text gate on a contact form's text fields (call, reports, mode, district, note,
+// operator), in the order of the form: the first field it refuses, with the German
+// reason; nullopt when every field may be stored. Serves the entry and the edit window,
+// whose fields and focus targets bear the same names.
+template <class Fields, class Focus>
+std::optional<std::pair<Focus, QString>> FirstRefusedContactField(const Fields& f) {
+    const std::pair<TextField, std::pair<const QString*, Focus>> fields[] = {
+        {TextField::Call, {&f.call, Focus::Text3}},
+        {TextField::RstGesendet, {&f.rstGesendet, Focus::Text4}},
+        {TextField::RstEmpfangen, {&f.rstEmpfangen, Focus::Text5}},
+        {TextField::Mode, {&f.mode, Focus::Combo2}},
+        {TextField::Bezirk, {&f.bezirk, Focus::Combo5}},
+        {TextField::Bemerkung, {&f.notiz, Focus::Text8}},
+        {TextField::Operator, {&f.opCall, Focus::Combo6}},
+    };
+    for (const auto& [field, what] : fields)
+        if (QString problem = FieldTextProblem(field, *what.first); !problem.isEmpty())
+            return std::pair{what.second, std::move(problem)};
+    return std::nullopt;
+}
+
+// The text gate on the entry's text fields: the first refusal, its box not yet shown;
+// nullopt when every field may be stored.
 std::optional<CheckFailure> GateEntry(const EntryFields& f);
 // The text fields as the record stores them (and the grid shows them).
 EntryFields GatedEntryFields(const EntryFields& f);
